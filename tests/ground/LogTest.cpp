@@ -1,0 +1,72 @@
+#include "platform/posix/SystemLog.h"
+#include "tests/ground/Support.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <regex>
+#include <tuple>
+
+namespace orvello::test {
+namespace {
+
+TEST(Log, EscapesWhatWouldBreakOrDisguiseALine) {
+    struct Row {
+        const char* name;
+        std::string text, escaped;
+    };
+    const std::vector<Row> rows = {
+        {"plain text", "startbackup returned: ok", "startbackup returned: ok"},
+        {"letters beyond ASCII, an emoji", "Über 日本 \U0001F600", "Über 日本 \U0001F600"},
+        {"tabulator and backslash stay", "a\tb\\n", "a\tb\\n"},
+        {"line ends", "a\nb\r\n", R"(a\nb\r\n)"},
+        {"control characters", std::string("\0\x1B[2J\x7F", 6), R"(\x00\x1B[2J\x7F)"},
+        {"C1 controls", "a\u0085\u009Bb", R"(a\u{0085}\u{009B}b)"},
+        {"separators", "\u2028\u2029", R"(\u{2028}\u{2029})"},
+        {"bidirectional controls", "\u202Egnp\u202C \u2066a\u2069 \u200F\u061C",
+         R"(\u{202E}gnp\u{202C} \u{2066}a\u{2069} \u{200F}\u{061C})"},
+        {"a stray continuation byte", "a\x80z", R"(a\x80z)"},
+        {"a character cut off", "\xE2\x82", R"(\xE2\x82)"},
+        {"an overlong slash", "\xC0\xAF", R"(\xC0\xAF)"},
+        {"a surrogate", "\xED\xA0\x80", R"(\xED\xA0\x80)"},
+        {"beyond Unicode", "\xF4\x90\x80\x80", R"(\xF4\x90\x80\x80)"},
+        {"nothing", "", ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(escapeForLog(row.text), row.escaped) << row.name;
+    RecordingLog log;
+    log.line("two\nlines");
+    EXPECT_EQ(log.lines, std::vector<std::string>{"two\\nlines"});
+}
+
+TEST(SystemLog, WritesStampedLinesToStandardErrorWhereItCan) {
+    const TemporaryFolder folder;
+    const auto file = folder / "log";
+    const auto logOneLine = [](const std::function<void()>& prepare) {
+        return forked([&] {
+            ::setenv("ORVELLO_LOG_STDERR", "1", 1);
+            prepare();
+            SystemLog log;
+            log.line("100 % sure");
+            return 0;
+        });
+    };
+    EXPECT_EQ(exitStatus(logOneLine([&] { std::ignore = std::freopen(file.c_str(), "w", stderr); })), 0);
+    EXPECT_EQ(exitStatus(logOneLine([] { ::close(STDERR_FILENO); })), 0);
+    EXPECT_EQ(exitStatus(logOneLine([] {
+                  std::array<int, 2> ends{};
+                  if (::pipe(ends.data()) != 0 || ::dup2(ends[1], STDERR_FILENO) < 0)
+                      ::_exit(1);
+                  ::close(ends[0]);
+                  ::close(ends[1]);
+              })),
+              0)
+        << "a pipe that nobody reads";
+    const auto line = readFile(file);
+    EXPECT_TRUE(std::regex_match(line, std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} 100 % sure\n)")))
+        << line;
+}
+
+} // namespace
+} // namespace orvello::test

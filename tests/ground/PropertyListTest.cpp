@@ -1,0 +1,229 @@
+#include "platform/plist/PropertyList.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace orvello::plist {
+namespace {
+
+constexpr std::string_view xmlDeclaration = R"(<?xml version="1.0" encoding="UTF-8"?>)";
+
+std::string document(std::string_view value) {
+    return std::string(xmlDeclaration).append("<plist version=\"1.0\">").append(value).append("</plist>");
+}
+
+Date utc(int year, unsigned month, unsigned day, int hour = 0, int minute = 0, int second = 0) {
+    using namespace std::chrono;
+    return sys_days(std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day)) +
+           hours(hour) + minutes(minute) + seconds(second);
+}
+
+TEST(PropertyList, ReadsValues) {
+    constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
+    constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+    constexpr auto infinity = std::numeric_limits<double>::infinity();
+    struct Row {
+        const char* text;
+        Value value;
+    };
+    const std::vector<Row> rows = {
+        {"<true/>", true},
+        {"<false></false>", false},
+        {"<integer>42</integer>", 42},
+        {"<integer> -7\n</integer>", -7},
+        {"<integer>+0x1f</integer>", 31},
+        {"<integer>-9223372036854775808</integer>", smallest},
+        {"<integer>9223372036854775807</integer>", largest},
+        {"<real>0.73163793226869744</real>", 0.73163793226869744},
+        {"<real>-1.5E+3</real>", -1500.0},
+        {"<real>+infinity</real>", infinity},
+        {"<real>-INF</real>", -infinity},
+        {"<string/>", ""},
+        {"<string> a &amp; b &#x1F600; &quot;</string>", " a & b \U0001F600 \""},
+        {"<string>a<![CDATA[<b>&amp;]]>c</string>", "a<b>&amp;c"},
+        {"<string>a<!-- b -->c</string>", "ac"},
+        {"<date>1987-03-24T04:45:32Z</date>", utc(1987, 3, 24, 4, 45, 32)},
+        {"<date>2000-02-29T23:59:59Z</date>", utc(2000, 2, 29, 23, 59, 59)},
+        {"<data>\n\tAP9h\n\tYg==\n</data>", Data{std::string("\0\xFF"
+                                                             "ab",
+                                                             4)}},
+        {"<data/>", Data{}},
+        {"<array/>", Array{}},
+        {"<array><integer>1</integer> <array><true/></array></array>", Array{1, Array{true}}},
+        {"<dict/>", Dictionary{}},
+        {"<dict><key>a</key><dict><key/><true/></dict></dict>", Dictionary{{"a", Dictionary{{"", true}}}}},
+        {"<dict><key>a</key><integer>1</integer><key>a</key><true/></dict>", Dictionary{{"a", true}}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(parse(document(row.text)), row.value) << row.text;
+    const auto noNumber = parse(document("<real>NaN</real>"));
+    ASSERT_TRUE(noNumber && noNumber->as<double>());
+    EXPECT_TRUE(std::isnan(*noNumber->as<double>()));
+}
+
+TEST(PropertyList, RefusesValuesThatAreNone) {
+    for (const auto* text : {"",
+                             "text",
+                             "<true/>text",
+                             "<true/><true/>",
+                             "<true>yes</true>",
+                             "<key>a</key>",
+                             "<plist/>",
+                             "<set/>",
+                             "<Dict/>",
+                             "<integer/>",
+                             "<integer>1.0</integer>",
+                             "<integer>1 2</integer>",
+                             "<integer>--1</integer>",
+                             "<integer>0x</integer>",
+                             "<integer>9223372036854775808</integer>",
+                             "<integer>-9223372036854775809</integer>",
+                             "<real/>",
+                             "<real>1,5</real>",
+                             "<real>1e400</real>",
+                             "<real>0x1p3</real>",
+                             "<real>--1</real>",
+                             "<real>nan(1)</real>",
+                             "<date>2001-02-29T00:00:00Z</date>",
+                             "<date>2001-01-01T24:00:00Z</date>",
+                             "<date>2001-01-01T00:00:60Z</date>",
+                             "<date>2001-01-01T00:00:00</date>",
+                             "<date>2001-1-1T00:00:00Z</date>",
+                             "<date>2001-01-01 00:00:00 +0000</date>",
+                             "<date/>",
+                             "<data>Y</data>",
+                             "<data>YQ=</data>",
+                             "<data>YQ==YQ==</data>",
+                             "<data>Y?==</data>",
+                             "<data>=YQ=</data>",
+                             "<string><true/></string>",
+                             "<array><key>a</key></array>",
+                             "<array>text</array>",
+                             "<dict><true/></dict>",
+                             "<dict><key>a</key></dict>",
+                             "<dict><key>a</key><key>b</key><true/></dict>",
+                             "<dict><key>a</key><true/><true/></dict>",
+                             "<string>&unknown;</string>",
+                             "<string>\xFF</string>",
+                             "<string>\x01</string>",
+                             "<string>&#0;</string>"})
+        EXPECT_EQ(parse(document(text)), std::nullopt) << text;
+}
+
+TEST(PropertyList, ReadsDocumentsInUtf8Only) {
+    const std::string body = "<plist><string>\u00E9</string></plist>";
+    const std::string ascii = "<plist><true/></plist>";
+    std::string wide = "\xFF\xFE";
+    for (const char c : ascii)
+        wide.append({c, '\0'});
+    struct Row {
+        const char* name;
+        std::string text;
+        bool accepted;
+    };
+    const std::vector<Row> rows = {
+        {"without declarations", body, true},
+        {"with a byte order mark", "\uFEFF" + body, true},
+        {"with the usual document type",
+         std::string(xmlDeclaration) +
+             "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+             "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">" +
+             body + "\n\n",
+         true},
+        {"with an encoding in lower case", "<?xml version='1.0' encoding='utf-8'?>" + body, true},
+        {"with another encoding", "<?xml version='1.0' encoding='ISO-8859-1'?>" + body, false},
+        {"in UTF-16", wide, false},
+        {"in Latin-1", "<plist><string>\xE9</string></plist>", false},
+        {"empty", "", false},
+        {"white space", " \n", false},
+        {"a sentence", "tmutil: No destinations configured.\n", false},
+        {"lines before the declaration", "warning\n" + std::string(xmlDeclaration) + body, false},
+        {"an answer cut in the middle", body.substr(0, body.size() - 3), false},
+        {"two documents", body + body, false},
+        {"text behind", body + "x", false},
+        {"another root", "<dict/>", false},
+        {"an entity declaration", "<!DOCTYPE plist [<!ENTITY a 'b'>]>" + ascii, false},
+        {"an external entity",
+         "<!DOCTYPE plist [<!ENTITY a SYSTEM 'file:///etc/passwd'>]><plist><string>&a;</string></plist>",
+         false},
+        {"an entity of the document type",
+         "<!DOCTYPE plist SYSTEM 'x.dtd'><plist><string>&a;</string></plist>", false},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(parse(row.text).has_value(), row.accepted) << row.name;
+}
+
+TEST(PropertyList, EndsSoonOnHostileInput) {
+    const auto nested = [](int depth) {
+        std::string text;
+        for (int i = 0; i < depth; ++i)
+            text += "<array>";
+        for (int i = 0; i < depth; ++i)
+            text += "</array>";
+        return document(text);
+    };
+    EXPECT_TRUE(parse(nested(maximumDepth - 1)));
+    EXPECT_FALSE(parse(nested(maximumDepth)));
+    EXPECT_FALSE(parse(nested(1'000'000)));
+    std::string bomb = "<!DOCTYPE plist [<!ENTITY a0 'aaaaaaaaaa'>";
+    for (int i = 1; i < 30; ++i) {
+        const auto before = "&a" + std::to_string(i - 1) + ";";
+        bomb += "<!ENTITY a" + std::to_string(i) + " '";
+        for (int j = 0; j < 10; ++j)
+            bomb += before;
+        bomb += "'>";
+    }
+    EXPECT_FALSE(parse(bomb + "]><plist><string>&a29;</string></plist>"));
+    std::string references;
+    for (int i = 0; i < 500'000; ++i)
+        references += "&amp;";
+    const auto long_ = parse(document("<string>" + references + "</string>"));
+    ASSERT_TRUE(long_);
+    EXPECT_EQ(long_->as<std::string>()->size(), 500'000U);
+}
+
+TEST(PropertyList, WritesWhatItReads) {
+    const Value value = Dictionary{
+        {"array", Array{true, false, std::numeric_limits<std::int64_t>::min(),
+                        std::numeric_limits<std::int64_t>::max()}},
+        {"reals", Array{0.1, -0.0, 1e300, 5e-324, std::numeric_limits<double>::infinity(), 3.0}},
+        {"texts & <keys>", Array{"", " a\r\n\tb ", "]]>", "\u00E9\U0001F600", "a\\\"'"}},
+        {"dates", Array{utc(1987, 3, 24, 4, 45, 32), utc(0, 1, 1), utc(9999, 12, 31, 23, 59, 59)}},
+        {"data", Array{Data{}, Data{"a"}, Data{"ab"}, Data{"abc"}, Data{std::string(1000, '\xFE')}}},
+        {"empty", Array{Array{}, Dictionary{}}},
+    };
+    const auto text = serialize(value);
+    EXPECT_EQ(parse(text), value) << text;
+
+    struct Changed {
+        const char* name;
+        Value written, read;
+    };
+    const std::vector<Changed> changed = {
+        {"control characters",
+         std::string("a\0b\x1F"
+                     "c\uFFFE",
+                     8),
+         "abc"},
+        {"bytes that are not UTF-8", "a\xFF\xC3", "a"},
+        {"a fraction of a second", utc(1960, 1, 1) - std::chrono::microseconds(1),
+         utc(1959, 12, 31, 23, 59, 59)},
+        {"a date beyond the years", Date::max(), utc(9999, 12, 31, 23, 59, 59)},
+        {"a date before the years", Date::min(), utc(0, 1, 1)},
+    };
+    for (const auto& row : changed)
+        EXPECT_EQ(parse(serialize(row.written)), row.read) << row.name;
+}
+
+TEST(PropertyList, WritesOneElementALine) {
+    const auto text = serialize(Dictionary{{"Time1", -1}, {"When", Array{"a"}}});
+    EXPECT_TRUE(text.ends_with(
+        "<plist version=\"1.0\">\n<dict>\n\t<key>Time1</key>\n\t<integer>-1</integer>\n"
+        "\t<key>When</key>\n\t<array>\n\t\t<string>a</string>\n\t</array>\n</dict>\n</plist>\n"))
+        << text;
+}
+
+} // namespace
+} // namespace orvello::plist
