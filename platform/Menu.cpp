@@ -25,7 +25,10 @@ void MenuItem::setHidden(bool hidden) {
     change(hidden_, hidden);
 }
 void MenuItem::setEnabled(bool enabled) {
-    change(enabled_, enabled && hasAction());
+    change(enabledFlag_, enabled);
+}
+void MenuItem::setValidated(bool validated) {
+    change(validated_, validated);
 }
 void MenuItem::setChecked(bool checked) {
     change(checked_, checked);
@@ -33,7 +36,7 @@ void MenuItem::setChecked(bool checked) {
 
 void MenuItem::setAction(std::function<void()> action) {
     action_ = std::move(action);
-    setEnabled(hasAction());
+    menu_.changed(*this);
 }
 
 Menu::~Menu() {
@@ -70,7 +73,7 @@ void Menu::close() {
 
 void Menu::choose(MenuItem& item) {
     close();
-    if (item.enabled_ && !item.hidden_ && item.action_)
+    if (item.isEnabled() && !item.hidden_)
         item.action_();
 }
 
@@ -79,7 +82,7 @@ void Menu::validate() {
         return;
     for (const auto& item : items_)
         if (item->action_)
-            item->setEnabled(delegate_->validateMenuItem(*item));
+            item->setValidated(delegate_->validateMenuItem(*item));
 }
 
 void Menu::changed(MenuItem& item) {

@@ -18,7 +18,9 @@ class MenuItem {
 
     const std::string& title() const { return title_; }
     bool isHidden() const { return hidden_; }
-    bool isEnabled() const { return enabled_; }
+    /// Whether the entry can be chosen: it has an action, its own flag is set, and validation did not refuse.
+    bool isEnabled() const { return hasAction() && enabledFlag_ && validated_; }
+    bool enabledFlag() const { return enabledFlag_; }
     bool isChecked() const { return checked_; }
     bool isSeparator() const { return separator_; }
     bool hasAction() const { return static_cast<bool>(action_); }
@@ -26,6 +28,8 @@ class MenuItem {
     void setTitle(std::string_view title);
     void setHidden(bool hidden);
     void setEnabled(bool enabled);
+    /// The answer to validation, where it is known without being asked for.
+    void setValidated(bool validated);
     void setChecked(bool checked);
     /// What choosing the entry does. An entry without an action only informs and is never enabled.
     void setAction(std::function<void()> action);
@@ -38,7 +42,8 @@ class MenuItem {
     std::string title_;
     std::function<void()> action_;
     bool hidden_ = false;
-    bool enabled_ = false;
+    bool enabledFlag_ = true;
+    bool validated_ = true;
     bool checked_ = false;
     bool separator_ = false;
 };
@@ -49,7 +54,7 @@ class MenuDelegate {
     virtual ~MenuDelegate() = default;
     virtual void menuWillOpen(Menu& menu) = 0;
     virtual void menuDidClose(Menu& menu) = 0;
-    /// Asked for every entry that has an action; the answer becomes its enabled state.
+    /// Asked for every entry that has an action; an entry that is refused cannot be chosen.
     virtual bool validateMenuItem(MenuItem& item) = 0;
 };
 

@@ -48,7 +48,8 @@ void RunLoop::runPending() {
     // the start is fired, so that a timer shorter than its own action cannot keep the loop here.
     const Uptime now = uptime();
     while (const auto timer = nextDue(now)) {
-        const auto missed = (now - timer->next_) / timer->interval_;
+        // Measured anew, since an action before this one may have taken time.
+        const auto missed = (uptime() - timer->next_) / timer->interval_;
         timer->next_ += (missed + 1) * timer->interval_;
         timer->action_();
     }

@@ -19,6 +19,7 @@ bool ZRAppDelegate::updateMenuStatus() {
              }},
         statusMenuState());
     showStatusMenuState(update.state);
+    RunTimeMachineItem()->setValidated(update.enable);
     for (const auto& call : update.statistics) {
         switch (call.kind) {
         case StatisticsCall::Kind::SetFilesCopied:
@@ -37,7 +38,7 @@ bool ZRAppDelegate::updateMenuStatus() {
 
 StatusMenuState ZRAppDelegate::statusMenuState() const {
     StatusMenuState state{.backupTitle = RunTimeMachineItem()->title(),
-                          .backupEnabled = RunTimeMachineItem()->isEnabled(),
+                          .backupEnabled = RunTimeMachineItem()->enabledFlag(),
                           .lines = {},
                           .icons = shownIcons};
     for (std::size_t i = 0; i < state.lines.size(); ++i)

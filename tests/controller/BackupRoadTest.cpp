@@ -1,0 +1,145 @@
+#include "settings/SettingsKeys.h"
+#include "tests/controller/Program.h"
+
+#include <gtest/gtest.h>
+
+namespace orvello {
+namespace {
+
+using namespace std::chrono_literals;
+
+plist::Dictionary due() {
+    return {{std::string(key::MinutesUntilNextBackup), 0}, {std::string(key::BackupTimeInterval), 60}};
+}
+
+/// The titles of the six entries, without the hidden ones.
+std::vector<std::string> status(Program& program) {
+    auto titles = program.menuTitles();
+    titles.resize(titles.size() - 5);
+    return titles;
+}
+
+TEST(BackupRoad, FromTheTickThatFindsItDueToIdleAgain) {
+    Program program({.disk = Program::diskWith(due())});
+    program.pass(59s);
+    EXPECT_EQ(program.machine.tray().shownImage(), "TMRotatingArrow");
+    EXPECT_TRUE(program.tool.starts.empty());
+    program.pass(1s);
+    EXPECT_EQ(program.tool.starts.size(), 1U);
+    EXPECT_EQ(program.logged("startbackup returned: "), 1U);
+    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 60);
+    EXPECT_EQ(program.defaults().dateForKey(key::LastBackup), program.machine.now());
+
+    using Titles = std::vector<std::string>;
+    const auto cancel = std::string(cancelBackupTitle);
+    EXPECT_EQ(program.machine.tray().shownImage(), "TMBackingUp");
+    EXPECT_EQ(status(program), (Titles{cancel, "Starting Backup ...", "Last Backup initiated: -",
+                                       "Next Backup: in less than one Minute"}));
+    program.pass(30s); // at 30 of 240 seconds
+    EXPECT_EQ(status(program), (Titles{cancel, "Mounting Backup Volume ..."}));
+    program.pass(90s);
+    EXPECT_EQ(status(program),
+              (Titles{cancel, "Copying Data ...", "Progress: 50 %", "Files Copied: 500 of 1000",
+                      "Data Copied: 2.5 MB of 5 MB", "Time Remaining: 30 Seconds"}));
+    program.pass(80s);
+    EXPECT_EQ(status(program), (Titles{cancel, "Finishing ...", "Files Copied: 1000", "Data Copied: 5 MB"}));
+    program.pass(20s);
+    EXPECT_EQ(status(program),
+              (Titles{cancel, "Cleaning Up ...", "Files Copied: 1000", "Data Copied: 5 MB"}));
+    program.pass(20s);
+    EXPECT_EQ(status(program), (Titles{"Create Backup now", "No Backup running",
+                                       "Last Backup initiated: today, 08:01", "Next Backup: today, 09:01"}));
+    EXPECT_EQ(program.machine.tray().shownImage(), "TMRotatingArrow");
+    EXPECT_EQ(program.integer(key::FilesLastBackup), 791) << "the last sample of the copying phase";
+    EXPECT_EQ(program.integer(key::FilesTotal), 791);
+    EXPECT_EQ(program.integer(key::BytesLastBackup), 3'958'333);
+}
+
+TEST(BackupRoad, TheMenuRefreshesEveryTwoSecondsWhileOpenElseEveryTen) {
+    Program program;
+    program.pass(1s + 300ms); // 1.3 s after start-up made the timer
+    const auto count = [&] { return program.runs("status"); };
+    program.machine.openMenu();
+    EXPECT_EQ(count(), 1U) << "validation";
+    program.machine.openMenu();
+    EXPECT_EQ(count(), 2U) << "a second report only validates again";
+    program.pass(700ms);
+    EXPECT_EQ(count(), 3U) << "two seconds after the timer was made";
+    program.pass(20s);
+    EXPECT_EQ(count(), 13U) << "one timer, and no ten-second refresh meanwhile";
+    program.machine.closeMenu();
+    program.machine.closeMenu();
+    program.pass(0s);
+    EXPECT_EQ(count(), 14U) << "the ten-second refresh that had to wait, once";
+    program.pass(18s); // to 40.0 s after the start
+    EXPECT_EQ(count(), 16U);
+
+    program.machine.openMenu(); // 18 seconds after the close
+    program.pass(0s);
+    EXPECT_EQ(count(), 18U) << "validation, and the late timer at once";
+    program.pass(2s);
+    EXPECT_EQ(count(), 19U);
+    program.pass(58s);
+    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 59) << "the tick goes on while the menu is open";
+}
+
+TEST(BackupRoad, AClickStartsAndAClickCancels) {
+    const auto before = berlin(2024, 1, 14, 20, 0, 1);
+    Program program({.disk = Program::diskWith({{std::string(key::LastBackup), before}})});
+    ASSERT_TRUE(program.machine.choose("Create Backup now"));
+    EXPECT_EQ(program.tool.starts.size(), 1U);
+    EXPECT_NE(program.defaults().dateForKey(key::LastBackup), before);
+    program.pass(2min);
+    const auto countdown = program.integer(key::MinutesUntilNextBackup);
+    ASSERT_TRUE(program.machine.choose(cancelBackupTitle));
+    EXPECT_EQ(program.tool.stops, 1);
+    EXPECT_EQ(program.logged("cancelbackup returned: "), 1U);
+    EXPECT_EQ(program.defaults().dateForKey(key::LastBackup), before);
+    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), countdown)
+        << "a cancel leaves the countdown alone";
+    EXPECT_EQ(program.integer(key::FilesLastBackup), 500) << "what was sampled before the stop counts";
+    EXPECT_EQ(program.menuTitles().front(), "Create Backup now");
+}
+
+TEST(BackupRoad, CancellingABackupOfAnotherHandForgetsTheLastOne) {
+    Program program(
+        {.disk = Program::diskWith({{std::string(key::LastBackup), berlin(2024, 1, 14, 20, 0, 1)}})});
+    program.tool.begin();
+    program.pass(10s);
+    ASSERT_TRUE(program.machine.choose(cancelBackupTitle));
+    EXPECT_EQ(program.defaults().dateForKey(key::LastBackup), neverDate());
+}
+
+TEST(BackupRoad, StatisticsSurviveACounterThatStartsAgainAndAQuitInBetween) {
+    const auto disk = Program::diskWith({});
+    Date now;
+    {
+        Program program({.disk = disk});
+        program.tool.begin();
+        program.pass(2min); // 500 files
+        program.tool.begin();
+        program.pass(1min + 30s); // from a lower count
+        EXPECT_EQ(program.integer(key::FilesThisBackup), 500);
+        now = program.machine.now();
+    }
+    Program program({.start = now, .disk = disk});
+    program.tool.begin();
+    program.pass(10min);
+    EXPECT_EQ(program.integer(key::FilesThisBackup), 0);
+    EXPECT_EQ(program.integer(key::FilesLastBackup), 500 + 791)
+        << "the banked files count into the next backup";
+    EXPECT_EQ(program.integer(key::FilesTotal), program.integer(key::FilesLastBackup));
+}
+
+TEST(BackupRoad, AnOddAnswerReachesTheLogEscapedAndOnlyTheLog) {
+    Program program({.disk = Program::diskWith(due())});
+    program.machine.tools().setScript([](const UserTask& task) {
+        return headless::ToolAnswer{task.arguments.front() == "startbackup" ? "bad\n\x1b[31mnews" : ""};
+    });
+    program.pass(1min);
+    EXPECT_EQ(program.logged("startbackup returned: bad\\n\\x1B[31mnews"), 1U);
+    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 60) << "a refusal counts as a start";
+}
+
+} // namespace
+} // namespace orvello

@@ -1,0 +1,122 @@
+#include "settings/SettingsKeys.h"
+#include "tests/controller/Program.h"
+
+#include <gtest/gtest.h>
+
+namespace orvello {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(Start, FirstStartWelcomesAndAsksOnce) {
+    const auto disk = Program::newDisk();
+    {
+        headless::Machine machine({.disk = disk});
+        BackupTool tool(machine);
+        machine.alerts().answerNext([&](const Alert& alert) {
+            EXPECT_EQ(alert.message, "Welcome to Orvello!");
+            EXPECT_EQ(alert.accessoryView, "TimeMachineSystem");
+            EXPECT_TRUE(machine.openMenu()) << "the icon is there before the welcome ends";
+            machine.closeMenu();
+            machine.advance(1h);
+            EXPECT_TRUE(tool.starts.empty()) << "nothing is scheduled before the start-up has ended";
+            return AlertResponse::Default;
+        });
+        machine.alerts().answerNext([&](const Alert& alert) {
+            EXPECT_EQ(alert.message, "Start at Login?");
+            EXPECT_TRUE(machine.preferencesWindow().isVisible());
+            return AlertResponse::Alternate;
+        });
+        std::unique_ptr<MainInterface> interface;
+        machine.perform([&] {
+            interface = std::make_unique<MainInterface>(machine.platform(), std::string(defaultToolURL));
+            interface->controller().applicationDidFinishLaunching();
+        });
+        EXPECT_EQ(machine.alerts().shown().count(), 2U);
+        EXPECT_TRUE(machine.loginItem().requests().empty());
+    }
+    Program again({.disk = disk});
+    EXPECT_EQ(again.machine.alerts().shown().count(), 0U);
+    EXPECT_FALSE(again.machine.preferencesWindow().isVisible());
+}
+
+TEST(Start, LogsWhereTheToolIsOrIsMissing) {
+    EXPECT_EQ(Program().logged("Symlink found at: /usr/bin/tmutil"), 1U);
+    Program without({.disk = Program::diskWith({}, false)});
+    EXPECT_EQ(without.logged("No Script found at: /usr/bin/tmutil"), 1U);
+    without.pass(10min);
+    without.machine.openMenu();
+    EXPECT_TRUE(without.machine.tools().runs().empty());
+    EXPECT_FALSE(without.item("Create Backup now").isEnabled());
+}
+
+TEST(Start, MenuIsCompleteAndValidatedAtEachOpening) {
+    Program program({.disk = Program::diskWith({{std::string(key::AutoStart), plist::Value(true)}})});
+    EXPECT_TRUE(program.item("Start at Login").isChecked()) << "before the menu is first opened";
+    ASSERT_TRUE(program.machine.openMenu());
+    EXPECT_EQ(program.menuTitles(),
+              (std::vector<std::string>{"Create Backup now", "No Backup running", "Last Backup initiated: -",
+                                        "Next Backup: today, 09:00", "", "Open Time Machine",
+                                        "Start at Login", "Preferences...", "Quit Orvello"}));
+    EXPECT_TRUE(program.item("Create Backup now").isEnabled());
+    EXPECT_FALSE(program.item("No Backup running").isEnabled());
+    program.machine.closeMenu();
+
+    EXPECT_TRUE(program.machine.choose("Open Time Machine"));
+    EXPECT_EQ(program.machine.workspace().applications().last(), "/Applications/Time Machine.app");
+    EXPECT_TRUE(program.machine.choose("Preferences..."));
+    EXPECT_TRUE(program.machine.preferencesWindow().isVisible());
+    EXPECT_TRUE(program.machine.choose("Quit Orvello"));
+    EXPECT_TRUE(program.machine.hasEnded());
+}
+
+TEST(Start, LoginItemFollowsTheSettingUnlessRefused) {
+    Program program;
+    const auto agree = [&](bool on) {
+        return program.defaults().boolForKey(key::AutoStart) == on &&
+               program.item("Start at Login").isChecked() == on &&
+               program.machine.preferencesWindow().controls()->SettingsAutostart.isOn() == on;
+    };
+    ASSERT_TRUE(program.machine.choose("Start at Login"));
+    EXPECT_TRUE(program.machine.loginItem().isEnabled());
+    EXPECT_TRUE(agree(true));
+
+    auto refusal = [&](const char* text, bool before) {
+        program.machine.alerts().answerNext([=](const Alert& alert) {
+            EXPECT_EQ(alert.message, "An error ocurred");
+            EXPECT_EQ(alert.informativeText, text);
+            return AlertResponse::Default;
+        });
+        program.machine.loginItem().setRefusing(true);
+        program.machine.perform(
+            [&] { program.machine.preferencesWindow().controls()->SettingsAutostart.userSet(!before); });
+        EXPECT_TRUE(agree(before));
+        program.machine.loginItem().setRefusing(false);
+    };
+    refusal("Couldn't remove Helper App from launch at login item list.", true);
+    ASSERT_TRUE(program.machine.choose("Start at Login"));
+    EXPECT_TRUE(agree(false));
+    EXPECT_FALSE(program.machine.loginItem().isEnabled());
+    refusal("Couldn't add Helper App to launch at login item list.", false);
+    EXPECT_EQ(program.logged("Setting Autostart: ON"), 2U);
+    EXPECT_EQ(program.logged("Setting Autostart: OFF"), 2U);
+}
+
+TEST(Start, WithoutATrayTheWindowShowsOnceThatTheProgramRuns) {
+    Program program;
+    program.machine.tray().setPresent(false);
+    program.pass(29s);
+    EXPECT_FALSE(program.machine.preferencesWindow().isVisible());
+    program.pass(2s);
+    EXPECT_TRUE(program.machine.preferencesWindow().isVisible());
+    program.machine.preferencesWindow().close();
+    program.pass(1h);
+    EXPECT_EQ(program.machine.preferencesWindow().orderFrontCount(), 1U);
+
+    Program visible;
+    visible.pass(1h);
+    EXPECT_EQ(visible.machine.preferencesWindow().orderFrontCount(), 0U);
+}
+
+} // namespace
+} // namespace orvello
