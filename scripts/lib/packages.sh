@@ -1,0 +1,60 @@
+# The Debian packages that the project needs, by purpose; to be sourced.
+# shellcheck shell=bash disable=SC2034
+
+packages_build=(
+    cmake
+    g++
+    libexpat1-dev
+    libfmt-dev
+    libicu-dev
+    libwayland-dev
+    libxcb1-dev
+    libxcb-screensaver0-dev
+    ninja-build
+    pkg-config
+    qt6-base-dev
+    qt6-svg-dev
+    wayland-protocols
+)
+
+packages_test=(
+    ccache
+    clang
+    dbus
+    fonts-dejavu-core
+    libclang-rt-dev
+    libgmock-dev
+    libgtest-dev
+    python3
+    xdotool
+    xvfb
+)
+
+# A desktop of our own, for runs on machines without one.
+packages_display=(
+    dbus
+    fonts-dejavu-core
+    imagemagick
+    lxqt-panel
+    openbox
+    x11-utils
+    xdotool
+    xvfb
+)
+
+packages_bench=(
+    libbenchmark-dev
+    libplist-dev
+    libplist-dev
+)
+
+packages_format=(
+    clang-format
+    git
+)
+
+packages_lint=(
+    clang-tidy
+    git
+    shellcheck
+)
