@@ -67,6 +67,10 @@ void MainInterface::connectPreferences(const Platform& platform) {
     controls.SettingsBackupNow.setAction([&] { controller.SettingsBackupNowClicked(); });
     controls.SettingsAppDefaults.setAction([&] { controller.SettingsAppDefaultsClicked(); });
 
+    controls.AboutVisitWebpage.setAction([&] { controller.AboutVisitWebpageClicked(); });
+    controls.AboutShowDocumentation.setAction([&] { controller.AboutShowDocumentationClicked(); });
+    controls.AboutInstallHelperScript.setAction([&] { controller.AboutInstallHelperScriptClicked(); });
+
     // What the information pane says until the first update knows better.
     controls.InfoDestinationBox.setTitle("Backup Destination Info");
     controls.InfoVolumeImage.setImage("External");

@@ -47,7 +47,11 @@ void ZRAppDelegate::applicationDidFinishLaunching() {
 
     toolPath = pathFromFileURL(toolURL).value_or("");
     FoundScript = platform_.fileManager.fileExistsAtPath(toolPath);
-    platform_.log.line((FoundScript ? "Symlink found at: " : "No Script found at: ") + toolPath);
+    if (!FoundScript) {
+        setUpMissingTool();
+        return;
+    }
+    platform_.log.line("Symlink found at: " + toolPath);
     initFinalize();
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/Menu.h"
 #include "platform/Platform.h"
+#include "platform/ToolInstaller.h"
 #include "schedule/BackupScheduler.h"
 #include "statusmenu/StatusMenu.h"
 #include "timemachine/BackupStatus.h"
@@ -26,6 +27,7 @@ class Timer;
 /// and are filed by subject, as the headings below say. What sets off what:
 ///
 ///   start           applicationDidFinishLaunching → initFinalize → updateBackupSchedulerNoTrigger
+///   missing tool    applicationDidFinishLaunching → setUpMissingTool → initFinalize, or the program ends
 ///   every minute    updateBackupSchedulerWithTrigger → updateBackupScheduler → runTimeMachineBackup when one
 ///   is due every 10 s      updateStatus → updateMenuStatus → BackupStatus, then statistics; every 2 s while
 ///   the menu is open menu opens      menuWillOpen (2-second timer on), validateMenuItem → updateMenuStatus
@@ -34,7 +36,7 @@ class Timer;
 ///
 /// Everything happens on the main thread. A tool run blocks it; an alert runs a nested loop in which the
 /// minute's tick goes on, so any operation may be entered again while an alert of its own is open.
-class ZRAppDelegate final : public MenuDelegate {
+class ZRAppDelegate final : public MenuDelegate, public ToolInstallerDelegate {
   public:
     /// Registers the defaults. `toolURL` is the file URL of the backup tool.
     ZRAppDelegate(const Platform& platform, std::string toolURL);
@@ -67,6 +69,14 @@ class ZRAppDelegate final : public MenuDelegate {
     void setAutoStart(bool requested);
     void MenuStartAtLoginClicked();
     void SettingsAutoStartChanged();
+
+    // The setup of a missing tool: app/ZRAppDelegate+Setup.cpp
+
+    void downloadDidFinish() override;
+    void downloadDidFail(const InstallError& error) override;
+    void AboutInstallHelperScriptClicked();
+    void AboutVisitWebpageClicked();
+    void AboutShowDocumentationClicked();
 
     // The scheduler: schedule/ZRAppDelegate+Schedule.cpp
 
@@ -154,6 +164,9 @@ class ZRAppDelegate final : public MenuDelegate {
   private:
     void makeMenuRefreshTimer();
     void askForStartAtLogin();
+    void setUpMissingTool();
+    void showInstructions();
+    void installationFailed();
     void storeSelectedTag(const PopUpButton& button, std::string_view settingsKey);
     std::string runTool(ToolVerb verb);
     void recordBackupStart();

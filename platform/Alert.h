@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace orvello {
@@ -21,6 +22,8 @@ struct Alert {
     AlertIcon icon = AlertIcon::Standard;
     /// Name of the view resource shown beneath the texts; empty for none.
     std::string accessoryView;
+    /// What the button in the accessory view does; a view shows its button only with an action.
+    std::function<void()> accessoryAction;
 };
 
 class AlertPresenter {

@@ -36,7 +36,6 @@ void MenuItem::setChecked(bool checked) {
 
 void MenuItem::setAction(std::function<void()> action) {
     action_ = std::move(action);
-    menu_.changed(*this);
 }
 
 Menu::~Menu() {
@@ -73,7 +72,7 @@ void Menu::close() {
 
 void Menu::choose(MenuItem& item) {
     close();
-    if (item.isEnabled() && !item.hidden_)
+    if (item.isEnabled() && !item.hidden_ && item.action_)
         item.action_();
 }
 

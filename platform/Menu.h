@@ -18,12 +18,11 @@ class MenuItem {
 
     const std::string& title() const { return title_; }
     bool isHidden() const { return hidden_; }
-    /// Whether the entry can be chosen: it has an action, its own flag is set, and validation did not refuse.
-    bool isEnabled() const { return hasAction() && enabledFlag_ && validated_; }
+    /// Whether the entry can be chosen: its own flag is set, and validation did not refuse.
+    bool isEnabled() const { return enabledFlag_ && validated_; }
     bool enabledFlag() const { return enabledFlag_; }
     bool isChecked() const { return checked_; }
     bool isSeparator() const { return separator_; }
-    bool hasAction() const { return static_cast<bool>(action_); }
 
     void setTitle(std::string_view title);
     void setHidden(bool hidden);
@@ -31,7 +30,8 @@ class MenuItem {
     /// The answer to validation, where it is known without being asked for.
     void setValidated(bool validated);
     void setChecked(bool checked);
-    /// What choosing the entry does. An entry without an action only informs and is never enabled.
+    /// What choosing the entry does. An entry without an action informs: it is shown like any other, so that
+    /// it can be read, and choosing it only closes the menu.
     void setAction(std::function<void()> action);
 
   private:

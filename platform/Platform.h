@@ -14,6 +14,7 @@ class Log;
 class LoginItem;
 class RunLoop;
 class StatusBar;
+class ToolInstaller;
 class UserDefaults;
 class UserTaskRunner;
 class Window;
@@ -34,6 +35,7 @@ struct Platform {
     LoginItem& loginItem;
     RunLoop& runLoop;
     StatusBar& statusBar;
+    ToolInstaller& toolInstaller;
     UserDefaults& userDefaults;
     UserTaskRunner& userTasks;
     Window& preferencesWindow;

@@ -37,4 +37,11 @@ std::optional<std::string> DiskBundle::resource(std::string_view name, std::stri
     return found == disk_.resources.end() ? std::nullopt : std::optional(found->second);
 }
 
+bool DiskFiles::setPosixPermissions(const std::string& path, unsigned permissions) {
+    if (!fileExistsAtPath(path))
+        return false;
+    disk_.permissions.insert_or_assign(path, permissions);
+    return true;
+}
+
 } // namespace orvello::headless

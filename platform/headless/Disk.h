@@ -16,6 +16,7 @@ struct Disk {
     std::optional<std::string> settings;           ///< the stored property list; none when there is none
     std::map<std::string, std::string> setAside;   ///< contents that were moved out of the way, by name
     std::set<std::string, std::less<>> files;      ///< paths of executables and other files
+    std::map<std::string, unsigned> permissions;   ///< of files, as far as they were set
     std::set<std::string, std::less<>> loginItems; ///< what the session starts at login
 
     std::map<std::string, std::string, std::less<>> resources; ///< the program's own, by "name.type"
@@ -41,12 +42,13 @@ class DiskSettings : public SettingsStorage {
 
 class DiskFiles : public FileManager {
   public:
-    explicit DiskFiles(const Disk& disk)
+    explicit DiskFiles(Disk& disk)
         : disk_(disk) {}
     bool fileExistsAtPath(const std::string& path) const override { return disk_.files.contains(path); }
+    bool setPosixPermissions(const std::string& path, unsigned permissions) override;
 
   private:
-    const Disk& disk_;
+    Disk& disk_;
 };
 
 class DiskBundle : public Bundle {

@@ -35,6 +35,7 @@ Platform Machine::platform() {
             .loginItem = loginItem_,
             .runLoop = runLoop_,
             .statusBar = tray_,
+            .toolInstaller = toolInstaller_,
             .userDefaults = userDefaults_,
             .userTasks = tools_,
             .preferencesWindow = preferencesWindow_,

@@ -81,6 +81,7 @@ class Machine {
     RecordedLog& log() { return log_; }
     RecordedWorkspace& workspace() { return workspace_; }
     DiskLoginItem& loginItem() { return loginItem_; }
+    RecordedInstaller& toolInstaller() { return toolInstaller_; }
     IdleServiceRegistry& ioRegistry() { return ioRegistry_; }
 
   private:
@@ -112,6 +113,7 @@ class Machine {
     VirtualWindow preferencesWindow_;
     RecordedWorkspace workspace_;
     DiskLoginItem loginItem_;
+    RecordedInstaller toolInstaller_;
     NamedTimeZone timeZone_;
     IcuCalendar calendar_;
     IcuFormatterFactory formatters_;

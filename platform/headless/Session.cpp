@@ -1,5 +1,7 @@
 #include "platform/headless/Session.h"
 
+#include <utility>
+
 namespace orvello::headless {
 
 bool DiskLoginItem::setEnabled(bool enabled) {
@@ -16,6 +18,23 @@ bool DiskLoginItem::setEnabled(bool enabled) {
 void VirtualWindow::makeKeyAndOrderFront() {
     visible_ = true;
     ++orderFrontCount_;
+}
+
+void RecordedInstaller::install(const std::string& path, ToolInstallerDelegate& delegate) {
+    if (delegate_)
+        return;
+    requests_.add(path);
+    delegate_ = &delegate;
+}
+
+void RecordedInstaller::finish() {
+    if (auto* delegate = std::exchange(delegate_, nullptr))
+        delegate->downloadDidFinish();
+}
+
+void RecordedInstaller::fail(const InstallError& error) {
+    if (auto* delegate = std::exchange(delegate_, nullptr))
+        delegate->downloadDidFail(error);
 }
 
 } // namespace orvello::headless

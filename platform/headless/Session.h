@@ -3,6 +3,7 @@
 #include "platform/Clock.h"
 #include "platform/Log.h"
 #include "platform/LoginItem.h"
+#include "platform/ToolInstaller.h"
 #include "platform/Window.h"
 #include "platform/Workspace.h"
 #include "platform/headless/Disk.h"
@@ -31,14 +32,14 @@ class RecordedLog : public Log {
 
 class RecordedWorkspace : public Workspace {
   public:
-    void openURL(const std::string& url) override { urls_.add(url); }
+    void openWebPage(const std::string& path) override { pages_.add(path); }
     void launchApplication(const std::string& path) override { applications_.add(path); }
 
-    Record<std::string>& urls() { return urls_; }
+    Record<std::string>& pages() { return pages_; }
     Record<std::string>& applications() { return applications_; }
 
   private:
-    Record<std::string> urls_;
+    Record<std::string> pages_;
     Record<std::string> applications_;
 };
 
@@ -60,6 +61,22 @@ class DiskLoginItem : public LoginItem {
     Disk& disk_;
     Record<bool> requests_;
     bool refusing_ = false;
+};
+
+/// Lets the machine's user decide how an installation ends.
+class RecordedInstaller : public ToolInstaller {
+  public:
+    void install(const std::string& path, ToolInstallerDelegate& delegate) override;
+
+    /// The paths at which a tool was to be installed.
+    Record<std::string>& requests() { return requests_; }
+    /// Ends the installation that is under way: with success, or with an error. Nothing happens without one.
+    void finish();
+    void fail(const InstallError& error);
+
+  private:
+    Record<std::string> requests_;
+    ToolInstallerDelegate* delegate_ = nullptr;
 };
 
 class VirtualWindow : public Window {

@@ -8,6 +8,7 @@ namespace orvello {
 class PosixFileManager : public FileManager {
   public:
     bool fileExistsAtPath(const std::string& path) const override;
+    bool setPosixPermissions(const std::string& path, unsigned permissions) override;
 };
 
 } // namespace orvello

@@ -9,9 +9,10 @@ namespace {
 using namespace std::chrono_literals;
 
 std::shared_ptr<headless::Disk> disk(std::int64_t countdown) {
-    return Program::diskWith(
-        {{std::string(key::MinutesUntilNextBackup), countdown}, {std::string(key::BackupTimeInterval), 60}},
-        false);
+    return Program::diskWith({{std::string(key::MinutesUntilNextBackup), countdown},
+                              {std::string(key::BackupTimeInterval), 60},
+                              {std::string(key::ScriptRemind), plist::Value(false)}},
+                             false);
 }
 
 TEST(ManualStart, IsAskedOnceHoweverLongTheUserIsAway) {

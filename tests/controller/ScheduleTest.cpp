@@ -72,7 +72,8 @@ TEST(Schedule, AnExpiredCountdownWaitsForIdlenessWithAnd) {
     keepBusy(90min);
     EXPECT_TRUE(program.tool.starts.empty());
     EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 0);
-    EXPECT_TRUE(program.logged("MenuString: Next Backup: today, 09:34 (if Idle)")) << "1 of 5 minutes idle at 9:30";
+    EXPECT_TRUE(program.logged("MenuString: Next Backup: today, 09:34 (if Idle)"))
+        << "1 of 5 minutes idle at 9:30";
     program.machine.setIdleTime(0s);
     program.pass(5min + 10s);
     EXPECT_TRUE(program.tool.starts.empty()) << "5 idle minutes are 5 min 22 s";
