@@ -1,0 +1,94 @@
+#pragma once
+
+#include "platform/Alert.h"
+#include "platform/Platform.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orvello {
+
+/// What a tool made by a back end's driver does.
+struct TestTool {
+    std::string output;
+    std::string errorOutput;      ///< on standard error, behind the output
+    bool printsArguments = false; ///< one a line, before the output
+    bool hangs = false;           ///< never ends
+};
+
+/// Drives one back end for the contract tests: it is the user, the session and the time around it. Texts are
+/// in English (en_GB) and the zone is Europe/Berlin. On a desktop time is real, so that tests count and
+/// order, and never measure.
+class BackEndUnderTest {
+  public:
+    virtual ~BackEndUnderTest() = default;
+
+    /// The parts of the program's current run; those of an earlier one are gone.
+    virtual Platform platform() = 0;
+    /// Ends the program in good order and starts it again with the same settings and login items.
+    virtual void restart() = 0;
+
+    /// A time that timers of the tests may count by: long enough for this back end to tell from a delay.
+    virtual std::chrono::milliseconds unit() const = 0;
+    /// The clock that fire dates are measured by.
+    virtual std::chrono::nanoseconds uptime() const = 0;
+    /// Runs the loop for at least so long; inside an alert as well.
+    virtual void pass(std::chrono::milliseconds duration) = 0;
+    /// Lets time pass without the loop.
+    virtual void block(std::chrono::milliseconds duration) = 0;
+    /// Handles the function as one event, and the work that it deferred.
+    virtual void perform(const std::function<void()>& event) = 0;
+
+    /// The user opens the menu of the status item, closes it, or chooses the entry with a title from it,
+    /// opened for that if need be. False when there is no such menu or no entry that can be chosen.
+    virtual bool openMenu() = 0;
+    virtual void closeMenu() = 0;
+    virtual bool choose(const std::string& title) = 0;
+
+    /// The user's answer to an alert to come, used once, in the order in which alerts open. The function runs
+    /// while the alert is open; then the button is pressed, or Escape for an alternate button that is not
+    /// there.
+    virtual void answerNextAlert(std::function<AlertResponse()> answer) = 0;
+
+    /// A new tool; returns its path.
+    virtual std::string makeTool(const TestTool& tool) = 0;
+
+    /// Objects of the I/O registry that are handed out and not released.
+    virtual std::size_t registryObjectCount() const = 0;
+    /// The user closes the preferences window.
+    virtual void closePreferencesWindow() = 0;
+    /// Whether the session would start the program at login.
+    virtual bool startsAtLogin() const = 0;
+
+    /// What follows cannot be had on every session: false then, and the tests that need it are skipped.
+    virtual bool setIdleTime(std::optional<std::chrono::milliseconds> idle) = 0;
+    virtual bool setTray(bool present) = 0;
+    /// Makes the session refuse changes of the login item from now on.
+    virtual bool refuseLoginItem() = 0;
+    /// The name of the status item's image that is to be seen, empty for none; none when it cannot be told.
+    virtual std::optional<std::string> shownImage() const = 0;
+};
+
+/// A back end in its first run. Every test program brings its own.
+std::unique_ptr<BackEndUnderTest> makeBackEnd();
+
+class ContractTest : public testing::Test {
+  protected:
+    Platform platform() { return backEnd->platform(); }
+    /// Lets time pass until the condition holds; fails the test when it does not for very long.
+    void passUntil(const std::function<bool()>& condition) {
+        constexpr int patience = 2000;
+        for (int i = 0; i < patience && !condition(); ++i)
+            backEnd->pass(backEnd->unit() / 2);
+        ASSERT_TRUE(condition());
+    }
+
+    std::unique_ptr<BackEndUnderTest> backEnd = makeBackEnd();
+};
+
+} // namespace orvello

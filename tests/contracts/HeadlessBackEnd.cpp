@@ -1,0 +1,84 @@
+#include "platform/headless/Machine.h"
+#include "tests/contracts/BackEndUnderTest.h"
+
+#include <fmt/format.h>
+
+#include <map>
+
+namespace orvello {
+namespace {
+
+class HeadlessBackEnd : public BackEndUnderTest {
+  public:
+    HeadlessBackEnd() { start({}); }
+
+    Platform platform() override { return machine_->platform(); }
+    void restart() override {
+        perform([this] { platform().application.terminate(); });
+        start({.start = machine_->now(), .disk = machine_->disk()});
+    }
+    std::chrono::milliseconds unit() const override { return std::chrono::seconds(1); }
+    std::chrono::nanoseconds uptime() const override { return machine_->uptime(); }
+    void pass(std::chrono::milliseconds duration) override { machine_->advance(duration); }
+    void block(std::chrono::milliseconds duration) override {
+        const auto path = makeTool({.hangs = true});
+        machine_->tools().run({.path = path, .arguments = {}, .timeLimit = duration});
+    }
+    void perform(const std::function<void()>& event) override { machine_->perform(event); }
+
+    bool openMenu() override { return machine_->openMenu(); }
+    void closeMenu() override { machine_->closeMenu(); }
+    bool choose(const std::string& title) override { return machine_->choose(title); }
+    void answerNextAlert(std::function<AlertResponse()> answer) override {
+        machine_->alerts().answerNext([answer = std::move(answer)](const Alert&) { return answer(); });
+    }
+    std::string makeTool(const TestTool& tool) override {
+        auto path = fmt::format("/tools/{}", tools_.size());
+        machine_->disk()->files.insert(path);
+        tools_.emplace(path, tool);
+        return path;
+    }
+    std::size_t registryObjectCount() const override { return machine_->ioRegistry().objectCount(); }
+    void closePreferencesWindow() override { machine_->preferencesWindow().close(); }
+    bool startsAtLogin() const override { return machine_->loginItem().isEnabled(); }
+    bool setIdleTime(std::optional<std::chrono::milliseconds> idle) override {
+        machine_->setIdleTime(idle);
+        return true;
+    }
+    bool setTray(bool present) override {
+        machine_->setTray(present);
+        return true;
+    }
+    bool refuseLoginItem() override {
+        machine_->loginItem().setRefusing(true);
+        return true;
+    }
+    std::optional<std::string> shownImage() const override { return machine_->tray().shownImage(); }
+
+  private:
+    void start(const headless::Configuration& configuration) {
+        machine_ = std::make_unique<headless::Machine>(configuration);
+        machine_->tools().setScript([this](const UserTask& task) { return run(task); });
+    }
+    headless::ToolAnswer run(const UserTask& task) {
+        const auto& tool = tools_.at(task.path);
+        headless::ToolAnswer answer{.output = {}, .errorOutput = tool.errorOutput};
+        if (tool.printsArguments)
+            answer.output = fmt::format("{}\n", fmt::join(task.arguments, "\n"));
+        answer.output += tool.output;
+        if (tool.hangs)
+            answer.duration = headless::forever;
+        return answer;
+    }
+
+    std::map<std::string, TestTool> tools_;
+    std::unique_ptr<headless::Machine> machine_;
+};
+
+} // namespace
+
+std::unique_ptr<BackEndUnderTest> makeBackEnd() {
+    return std::make_unique<HeadlessBackEnd>();
+}
+
+} // namespace orvello

@@ -1,0 +1,204 @@
+#include "platform/Menu.h"
+#include "platform/RunLoop.h"
+#include "platform/StatusItem.h"
+#include "tests/contracts/BackEndUnderTest.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+namespace orvello {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class MenuContract : public ContractTest, public MenuDelegate, public MenuObserver {
+  protected:
+    MenuContract()
+        : menu_(platform().runLoop)
+        , item_(platform().statusBar.makeStatusItem()) {
+        menu_.setDelegate(this);
+        item_->setMenu(menu_);
+    }
+
+    MenuItem& addAction(const std::string& title) {
+        auto& entry = menu_.addItem(title);
+        entry.setAction(
+            [this, title] { events_.push_back("do " + title + (menu_.isOpen() ? " in open menu" : "")); });
+        return entry;
+    }
+
+    void menuWillOpen(Menu&) override { events_.emplace_back("open"); }
+    void menuDidClose(Menu&) override { events_.emplace_back("close"); }
+    bool validateMenuItem(MenuItem& item) override {
+        events_.push_back("validate " + item.title());
+        return item.title() != disabled_;
+    }
+    void menuItemChanged(MenuItem& item) override { events_.push_back("changed " + item.title()); }
+
+    std::vector<std::string> takeEvents() { return std::exchange(events_, {}); }
+
+    Menu menu_;
+    std::unique_ptr<StatusItem> item_;
+    std::vector<std::string> events_;
+    std::string disabled_;
+};
+
+TEST_F(MenuContract, ValidatesTheEntriesWithActionsAtEachOpening) {
+    menu_.addItem("Information");
+    auto& backUp = addAction("Back Up");
+    menu_.addSeparator();
+    addAction("Quit");
+    for (const bool enabled : {true, false, true}) {
+        disabled_ = enabled ? "" : "Back Up";
+        ASSERT_TRUE(backEnd->openMenu());
+        EXPECT_THAT(takeEvents(), ElementsAre("open", "validate Back Up", "validate Quit"));
+        EXPECT_EQ(backUp.isEnabled(), enabled);
+        backEnd->closeMenu();
+        EXPECT_THAT(takeEvents(), ElementsAre("close"));
+    }
+}
+
+TEST_F(MenuContract, RepeatedReportsHaveNoFurtherEffect) {
+    addAction("Quit");
+    backEnd->perform([&] {
+        menu_.close();
+        EXPECT_THAT(takeEvents(), IsEmpty());
+        menu_.open();
+        EXPECT_THAT(takeEvents(), ElementsAre("open", "validate Quit"));
+        menu_.open();
+        EXPECT_THAT(takeEvents(), ElementsAre("validate Quit"));
+        menu_.close();
+        EXPECT_FALSE(platform().runLoop.isTracking());
+        menu_.close();
+        EXPECT_THAT(takeEvents(), ElementsAre("close"));
+    });
+}
+
+TEST_F(MenuContract, TracksWhileOpenAndNoLonger) {
+    addAction("Quit");
+    ASSERT_TRUE(backEnd->openMenu());
+    EXPECT_TRUE(menu_.isOpen());
+    EXPECT_TRUE(platform().runLoop.isTracking());
+    backEnd->closeMenu();
+    EXPECT_FALSE(menu_.isOpen());
+    EXPECT_FALSE(platform().runLoop.isTracking());
+    {
+        Menu closedByItsEnd(platform().runLoop);
+        closedByItsEnd.open();
+    }
+    EXPECT_FALSE(platform().runLoop.isTracking());
+}
+
+TEST_F(MenuContract, ChoosingClosesAndThenActs) {
+    addAction("Quit");
+    ASSERT_TRUE(backEnd->openMenu());
+    takeEvents();
+    ASSERT_TRUE(backEnd->choose("Quit"));
+    passUntil([&] { return !menu_.isOpen() && events_.size() >= 2; });
+    EXPECT_THAT(takeEvents(), ElementsAre("close", "do Quit"));
+}
+
+TEST_F(MenuContract, OnlyEnabledAndVisibleEntriesCanBeChosen) {
+    addAction("Hidden").setHidden(true);
+    addAction("Switched Off").setEnabled(false);
+    addAction("Refused");
+    menu_.addSeparator();
+    disabled_ = "Refused";
+    ASSERT_TRUE(backEnd->openMenu());
+    for (const char* title : {"Hidden", "Switched Off", "Refused", "Missing", ""})
+        EXPECT_FALSE(backEnd->choose(title)) << title;
+    takeEvents();
+    backEnd->closeMenu();
+    backEnd->perform([&] {
+        for (const auto& entry : menu_.items())
+            menu_.choose(*entry); // as from a host that shows an old state
+    });
+    EXPECT_THAT(takeEvents(), ElementsAre("close"));
+}
+
+TEST_F(MenuContract, ChoosingAnEntryWithoutActionOnlyCloses) {
+    const auto& entry = menu_.addItem("Information");
+    ASSERT_TRUE(backEnd->openMenu());
+    EXPECT_TRUE(entry.isEnabled()) << "so that it can be read";
+    EXPECT_THAT(takeEvents(), ElementsAre("open"));
+    ASSERT_TRUE(backEnd->choose("Information"));
+    passUntil([&] { return !menu_.isOpen(); });
+    EXPECT_THAT(takeEvents(), ElementsAre("close"));
+}
+
+TEST_F(MenuContract, AnEntryIsEnabledByItsFlagAndItsValidation) {
+    auto& entry = addAction("Back Up");
+    entry.setEnabled(false);
+    ASSERT_TRUE(backEnd->openMenu());
+    EXPECT_FALSE(entry.isEnabled()) << "validation does not switch it on";
+    backEnd->perform([&] { entry.setEnabled(true); });
+    EXPECT_TRUE(entry.isEnabled());
+    EXPECT_TRUE(backEnd->choose("Back Up"));
+    passUntil([&] { return !events_.empty() && events_.back() == "do Back Up"; });
+}
+
+TEST_F(MenuContract, TitlesArePlainText) {
+    const std::string title = "_Back & Up__ && <b>now</b>\t100 %";
+    addAction(title);
+    ASSERT_TRUE(backEnd->choose(title));
+    passUntil([&] { return !events_.empty() && events_.back() == "do " + title; });
+    EXPECT_EQ(menu_.items().front()->title(), title);
+}
+
+TEST_F(MenuContract, ObserversAreToldOfChangesOnly) {
+    auto& entry = addAction("Quit");
+    menu_.addObserver(this);
+    entry.setTitle("Quit");
+    entry.setHidden(false);
+    entry.setEnabled(true);
+    entry.setChecked(false);
+    EXPECT_THAT(takeEvents(), IsEmpty());
+    entry.setTitle("End");
+    entry.setHidden(true);
+    entry.setEnabled(false);
+    entry.setChecked(true);
+    EXPECT_THAT(takeEvents(), ElementsAre("changed End", "changed End", "changed End", "changed End"));
+    menu_.removeObserver(this);
+    entry.setTitle("Quit");
+    EXPECT_THAT(takeEvents(), IsEmpty());
+}
+
+TEST_F(MenuContract, EntriesMayChangeWhileOpen) {
+    auto& entry = addAction("Progress 1");
+    ASSERT_TRUE(backEnd->openMenu());
+    backEnd->perform([&] {
+        entry.setTitle("Progress 2");
+        entry.setEnabled(true);
+    });
+    EXPECT_TRUE(menu_.isOpen());
+    EXPECT_FALSE(backEnd->choose("Progress 1"));
+    EXPECT_TRUE(backEnd->choose("Progress 2"));
+}
+
+TEST_F(MenuContract, TheTrayMayGoAndComeBack) {
+    addAction("Quit");
+    item_->setImage("TMRotatingArrow");
+    item_->setAlternateImage("TMRotatingArrowAlternate");
+    if (!backEnd->setTray(true))
+        GTEST_SKIP() << "this session's tray stays as it is";
+    passUntil([&] { return platform().statusBar.hasTray(); });
+    EXPECT_EQ(backEnd->shownImage().value_or("TMRotatingArrow"), "TMRotatingArrow");
+    ASSERT_TRUE(backEnd->openMenu());
+    EXPECT_EQ(backEnd->shownImage().value_or("TMRotatingArrowAlternate"), "TMRotatingArrowAlternate");
+
+    backEnd->setTray(false);
+    passUntil([&] { return !platform().statusBar.hasTray() && !menu_.isOpen(); });
+    EXPECT_FALSE(backEnd->openMenu());
+    EXPECT_EQ(backEnd->shownImage().value_or(""), "");
+    item_->setImage("TMBackingUp");
+
+    backEnd->setTray(true);
+    passUntil([&] { return platform().statusBar.hasTray(); });
+    EXPECT_EQ(backEnd->shownImage().value_or("TMBackingUp"), "TMBackingUp");
+    EXPECT_TRUE(backEnd->choose("Quit"));
+}
+
+} // namespace
+} // namespace orvello

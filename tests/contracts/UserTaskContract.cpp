@@ -1,0 +1,65 @@
+#include "platform/FileManager.h"
+#include "platform/UserTask.h"
+#include "tests/contracts/BackEndUnderTest.h"
+
+namespace orvello {
+namespace {
+
+using namespace std::chrono_literals;
+
+class UserTaskContract : public ContractTest {
+  protected:
+    static UserTask task(const std::string& path) {
+        return {.path = path, .arguments = {}, .timeLimit = 60s, .outputLimit = 1'000'000};
+    }
+    std::string run(const UserTask& task) { return platform().userTasks.run(task); }
+};
+
+TEST_F(UserTaskContract, GivesTheWholeOutputUnchanged) {
+    for (const std::string& output : {std::string(), std::string("no line end"), std::string("\n two\n\n"),
+                                      std::string(300'000, 'x'), std::string("Gr\xc3\xbc\xdf\xff")}) {
+        const auto path = backEnd->makeTool({.output = output});
+        EXPECT_TRUE(platform().fileManager.fileExistsAtPath(path));
+        EXPECT_TRUE(platform().fileManager.setPosixPermissions(path, 0700));
+        EXPECT_EQ(run(task(path)), output);
+    }
+}
+
+TEST_F(UserTaskContract, PassesArgumentsAsTheyAre) {
+    auto printing = task(backEnd->makeTool({.printsArguments = true}));
+    printing.arguments = {"status", "-X", "", "two words", "$HOME", "\"';&|*", "Grüße"};
+    EXPECT_EQ(run(printing), "status\n-X\n\ntwo words\n$HOME\n\"';&|*\nGrüße\n");
+}
+
+TEST_F(UserTaskContract, JoinsStandardErrorOnRequest) {
+    auto both = task(backEnd->makeTool({.output = "out\n", .errorOutput = "err\n"}));
+    EXPECT_EQ(run(both), "out\n");
+    both.joinStandardError = true;
+    EXPECT_EQ(run(both), "out\nerr\n");
+}
+
+TEST_F(UserTaskContract, IsEmptyWithoutTheTool) {
+    const std::string missing = "/nonexistent/tool";
+    EXPECT_FALSE(platform().fileManager.fileExistsAtPath(missing));
+    EXPECT_FALSE(platform().fileManager.setPosixPermissions(missing, 0755));
+    EXPECT_EQ(run(task(missing)), "");
+}
+
+TEST_F(UserTaskContract, IsEmptyAtTheTimeLimit) {
+    auto hanging = task(backEnd->makeTool({.output = "half an answer", .hangs = true}));
+    hanging.timeLimit = 200ms;
+    const auto start = backEnd->uptime();
+    EXPECT_EQ(run(hanging), "");
+    EXPECT_GE(backEnd->uptime() - start, 200ms);
+}
+
+TEST_F(UserTaskContract, IsEmptyBeyondTheOutputLimit) {
+    auto limited = task(backEnd->makeTool({.output = std::string(70'000, 'x')}));
+    limited.outputLimit = 70'000;
+    EXPECT_EQ(run(limited).size(), 70'000U);
+    limited.outputLimit = 69'999;
+    EXPECT_EQ(run(limited), "");
+}
+
+} // namespace
+} // namespace orvello
