@@ -28,8 +28,9 @@ LocalDate localDate(const TimeZone& zone, Date date);
 /// is set forward over it, the one instant at which it goes on behind the gap.
 std::vector<Date> instantsAt(const TimeZone& zone, LocalDate local);
 
-/// The zone of the process by the C library and the system's zone files: what TZ says, a rule or a file
-/// included, else what /etc/localtime is. A change of either takes effect at the next call.
+/// The zone of the process by the C library and the system's zone files, which are kept newer than ICU's:
+/// what TZ says, a rule or a file included, else what /etc/localtime is. A change of either takes effect at
+/// the next call; a file that TZ names is read when TZ comes to name it.
 class UserTimeZone : public TimeZone {
   public:
     std::chrono::seconds offsetAt(Date date) const override;

@@ -45,7 +45,6 @@ packages_display=(
 packages_bench=(
     libbenchmark-dev
     libplist-dev
-    libplist-dev
 )
 
 packages_format=(

@@ -19,6 +19,7 @@ class Setup : public testing::Test {
 
     /// Starts the program; the answers are given in turn.
     void start(std::vector<headless::ScriptedAlerts::Answer> answers) {
+        interface.reset(); // before the machine that it runs on
         machine = std::make_unique<headless::Machine>(headless::Configuration{.disk = disk});
         for (auto& answer : answers)
             machine->alerts().answerNext(std::move(answer));

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QIcon>
+
+namespace orvello {
+
+/// The program's icon, for windows and alerts.
+QIcon applicationIcon();
+
+} // namespace orvello

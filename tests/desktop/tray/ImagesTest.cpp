@@ -1,0 +1,48 @@
+#include "platform/desktop/DesktopImages.h"
+#include "platform/desktop/linux/StatusNotifierTypes.h"
+
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+namespace orvello {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+TEST(DesktopImages, AreDrawnInTheSizeAskedFor) {
+    const DesktopImages images;
+    for (const auto& name :
+         {u"TMRotatingArrow"_s, u"TMRotatingArrowAlternate"_s, u"TMBackingUp"_s, u"TMBackingUpAlternate"_s}) {
+        const QImage image = images.image(name, 22);
+        EXPECT_EQ(image.size(), QSize(22, 22)) << name.toStdString();
+        EXPECT_EQ(images.image(name, 22).cacheKey(), image.cacheKey()) << "drawn once";
+    }
+    EXPECT_TRUE(images.image(u"NoSuchImage"_s, 22).isNull());
+}
+
+TEST(DesktopImages, IconsAreSharpAtAnyPixelRatio) {
+    const DesktopImages images;
+    QImage screen(32, 32, QImage::Format_ARGB32_Premultiplied);
+    screen.setDevicePixelRatio(2);
+    screen.fill(Qt::transparent);
+    QPainter painter(&screen);
+    images.icon(u"TMRotatingArrow"_s).paint(&painter, 0, 0, 16, 16);
+    painter.end();
+    QImage expected = images.image(u"TMRotatingArrow"_s, 32);
+    expected.setDevicePixelRatio(2);
+    EXPECT_EQ(screen, expected);
+}
+
+TEST(IconPixmap, IsInNetworkByteOrderAndNotPremultiplied) {
+    QImage image(1, 2, QImage::Format_ARGB32);
+    image.setPixel(0, 0, 0x80112233);
+    image.setPixel(0, 1, 0xffaabbcc);
+    EXPECT_EQ(iconPixmapFrom(image).pixels, QByteArray::fromHex("80112233ffaabbcc"));
+    image.setPixel(0, 0, 0x80ff0000);
+    image.convertTo(QImage::Format_ARGB32_Premultiplied);
+    EXPECT_EQ(iconPixmapFrom(image).pixels, QByteArray::fromHex("80ff0000ffaabbcc"));
+}
+
+} // namespace
+} // namespace orvello
