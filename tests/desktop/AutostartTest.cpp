@@ -52,8 +52,8 @@ std::vector<std::string> argumentsOf(std::string_view value) {
 }
 
 TEST(DesktopEntryExec, RunsTheProgramWhateverItsPath) {
-    for (const char* program : {"/usr/bin/orvello", "/home/a b/orvello", "/opt/\"quoted\"/o",
-                                "/opt/back\\slash\\\\/o", "/opt/$HOME/o", "/opt/`id`/o", "/opt/100%/%u/o",
+    for (const char* program : {"/usr/bin/orvello", "/home/a b/orvello", R"(/opt/"quoted"/o)",
+                                R"(/opt/back\slash\\/o)", "/opt/$HOME/o", "/opt/`id`/o", "/opt/100%/%u/o",
                                 "/opt/Grüße;&|<>*?#()'~/o", "/opt/two\nlines\tand\rmore/o"})
         EXPECT_EQ(argumentsOf(desktopEntryExec(program, "launchAtLogin")),
                   (std::vector<std::string>{program, "launchAtLogin"}));

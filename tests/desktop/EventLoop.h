@@ -39,7 +39,13 @@ inline void letPass(std::chrono::milliseconds time) {
 
 /// Has the event loop call the function, not before the current event has been handled.
 inline void callSoon(QObject* context, std::function<void()> function) {
-    QMetaObject::invokeMethod(context, std::move(function), Qt::QueuedConnection);
+    auto* timer = new QTimer(context);
+    timer->setSingleShot(true);
+    QObject::connect(timer, &QTimer::timeout, context, [timer, function = std::move(function)] {
+        function();
+        timer->deleteLater();
+    });
+    timer->start(0);
 }
 
 } // namespace orvello

@@ -16,6 +16,7 @@ struct TinyCompositor::State {
     std::vector<wl_resource*> notifications;
     std::atomic<std::uint32_t> timeout = 0;
     int commands = -1;
+    wl_event_source* commandSource = nullptr;
 
     static void destroyResource(wl_client* /*client*/, wl_resource* resource) {
         wl_resource_destroy(resource);
@@ -75,8 +76,8 @@ TinyCompositor::TinyCompositor(const std::string& name, IdleNotify idleNotify)
     if (idleNotify == IdleNotify::Offered)
         wl_global_create(state_->display, &ext_idle_notifier_v1_interface, 1, state_.get(),
                          State::bindNotifier);
-    wl_event_loop_add_fd(wl_display_get_event_loop(state_->display), state_->commands, WL_EVENT_READABLE,
-                         State::takeCommand, state_.get());
+    state_->commandSource = wl_event_loop_add_fd(wl_display_get_event_loop(state_->display), state_->commands,
+                                                 WL_EVENT_READABLE, State::takeCommand, state_.get());
     wl_display_add_socket(state_->display, name.c_str());
     thread_ = std::thread([display = state_->display] { wl_display_run(display); });
 }
@@ -84,6 +85,7 @@ TinyCompositor::TinyCompositor(const std::string& name, IdleNotify idleNotify)
 TinyCompositor::~TinyCompositor() {
     command('q');
     thread_.join();
+    wl_event_source_remove(state_->commandSource);
     wl_display_destroy_clients(state_->display);
     wl_display_destroy(state_->display);
     close(state_->commands);
