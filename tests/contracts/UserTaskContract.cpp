@@ -25,17 +25,13 @@ TEST_F(UserTaskContract, GivesTheWholeOutputUnchanged) {
     }
 }
 
-TEST_F(UserTaskContract, PassesArgumentsAsTheyAre) {
-    auto printing = task(backEnd->makeTool({.printsArguments = true}));
+TEST_F(UserTaskContract, PassesArgumentsAsTheyAreAndJoinsErrorsOnRequest) {
+    auto printing = task(backEnd->makeTool({.errorOutput = "!\n", .printsArguments = true}));
     printing.arguments = {"status", "-X", "", "two words", "$HOME", "\"';&|*", "Grüße"};
-    EXPECT_EQ(run(printing), "status\n-X\n\ntwo words\n$HOME\n\"';&|*\nGrüße\n");
-}
-
-TEST_F(UserTaskContract, JoinsStandardErrorOnRequest) {
-    auto both = task(backEnd->makeTool({.output = "out\n", .errorOutput = "err\n"}));
-    EXPECT_EQ(run(both), "out\n");
-    both.joinStandardError = true;
-    EXPECT_EQ(run(both), "out\nerr\n");
+    const std::string printed = "status\n-X\n\ntwo words\n$HOME\n\"';&|*\nGrüße\n";
+    EXPECT_EQ(run(printing), printed);
+    printing.joinStandardError = true;
+    EXPECT_EQ(run(printing), printed + "!\n");
 }
 
 TEST_F(UserTaskContract, IsEmptyWithoutTheTool) {
@@ -45,15 +41,13 @@ TEST_F(UserTaskContract, IsEmptyWithoutTheTool) {
     EXPECT_EQ(run(task(missing)), "");
 }
 
-TEST_F(UserTaskContract, IsEmptyAtTheTimeLimit) {
+TEST_F(UserTaskContract, IsEmptyBeyondItsLimits) {
     auto hanging = task(backEnd->makeTool({.output = "half an answer", .hangs = true}));
     hanging.timeLimit = 200ms;
     const auto start = backEnd->uptime();
     EXPECT_EQ(run(hanging), "");
     EXPECT_GE(backEnd->uptime() - start, 200ms);
-}
 
-TEST_F(UserTaskContract, IsEmptyBeyondTheOutputLimit) {
     auto limited = task(backEnd->makeTool({.output = std::string(70'000, 'x')}));
     limited.outputLimit = 70'000;
     EXPECT_EQ(run(limited).size(), 70'000U);

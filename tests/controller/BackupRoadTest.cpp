@@ -8,10 +8,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-plist::Dictionary due() {
-    return {{std::string(key::MinutesUntilNextBackup), 0}, {std::string(key::BackupTimeInterval), 60}};
-}
-
 /// The titles of the six entries, without the hidden ones.
 std::vector<std::string> status(Program& program) {
     auto titles = program.menuTitles();
@@ -20,7 +16,7 @@ std::vector<std::string> status(Program& program) {
 }
 
 TEST(BackupRoad, FromTheTickThatFindsItDueToIdleAgain) {
-    Program program({.disk = Program::diskWith(due())});
+    Program program({.disk = Program::diskWith({{std::string(key::MinutesUntilNextBackup), 0}})});
     program.pass(59s);
     EXPECT_EQ(program.machine.tray().shownImage(), "TMRotatingArrow");
     EXPECT_TRUE(program.tool.starts.empty());
@@ -35,15 +31,11 @@ TEST(BackupRoad, FromTheTickThatFindsItDueToIdleAgain) {
     EXPECT_EQ(program.machine.tray().shownImage(), "TMBackingUp");
     EXPECT_EQ(status(program), (Titles{cancel, "Starting Backup ...", "Last Backup initiated: -",
                                        "Next Backup: in less than one Minute"}));
-    program.pass(30s); // at 30 of 240 seconds
-    EXPECT_EQ(status(program), (Titles{cancel, "Mounting Backup Volume ..."}));
-    program.pass(90s);
+    program.pass(2min);
     EXPECT_EQ(status(program),
               (Titles{cancel, "Copying Data ...", "Progress: 50 %", "Files Copied: 500 of 1000",
                       "Data Copied: 2.5 MB of 5 MB", "Time Remaining: 30 Seconds"}));
-    program.pass(80s);
-    EXPECT_EQ(status(program), (Titles{cancel, "Finishing ...", "Files Copied: 1000", "Data Copied: 5 MB"}));
-    program.pass(20s);
+    program.pass(100s);
     EXPECT_EQ(status(program),
               (Titles{cancel, "Cleaning Up ...", "Files Copied: 1000", "Data Copied: 5 MB"}));
     program.pass(20s);
@@ -61,24 +53,21 @@ TEST(BackupRoad, TheMenuRefreshesEveryTwoSecondsWhileOpenElseEveryTen) {
     const auto count = [&] { return program.runs("status"); };
     program.machine.openMenu();
     EXPECT_EQ(count(), 1U) << "validation";
-    program.machine.openMenu();
-    EXPECT_EQ(count(), 2U) << "a second report only validates again";
     program.pass(700ms);
-    EXPECT_EQ(count(), 3U) << "two seconds after the timer was made";
+    EXPECT_EQ(count(), 2U) << "two seconds after the timer was made";
     program.pass(20s);
-    EXPECT_EQ(count(), 13U) << "one timer, and no ten-second refresh meanwhile";
-    program.machine.closeMenu();
+    EXPECT_EQ(count(), 12U) << "one timer, and no ten-second refresh meanwhile";
     program.machine.closeMenu();
     program.pass(0s);
-    EXPECT_EQ(count(), 14U) << "the ten-second refresh that had to wait, once";
+    EXPECT_EQ(count(), 13U) << "the ten-second refresh that had to wait, once";
     program.pass(18s); // to 40.0 s after the start
-    EXPECT_EQ(count(), 16U);
+    EXPECT_EQ(count(), 15U);
 
     program.machine.openMenu(); // 18 seconds after the close
     program.pass(0s);
-    EXPECT_EQ(count(), 18U) << "validation, and the late timer at once";
+    EXPECT_EQ(count(), 17U) << "validation, and the late timer at once";
     program.pass(2s);
-    EXPECT_EQ(count(), 19U);
+    EXPECT_EQ(count(), 18U);
     program.pass(58s);
     EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 59) << "the tick goes on while the menu is open";
 }
@@ -99,15 +88,12 @@ TEST(BackupRoad, AClickStartsAndAClickCancels) {
         << "a cancel leaves the countdown alone";
     EXPECT_EQ(program.integer(key::FilesLastBackup), 500) << "what was sampled before the stop counts";
     EXPECT_EQ(program.menuTitles().front(), "Create Backup now");
-}
 
-TEST(BackupRoad, CancellingABackupOfAnotherHandForgetsTheLastOne) {
-    Program program(
-        {.disk = Program::diskWith({{std::string(key::LastBackup), berlin(2024, 1, 14, 20, 0, 1)}})});
-    program.tool.begin();
-    program.pass(10s);
-    ASSERT_TRUE(program.machine.choose(cancelBackupTitle));
-    EXPECT_EQ(program.defaults().dateForKey(key::LastBackup), neverDate());
+    Program another({.disk = Program::diskWith({{std::string(key::LastBackup), before}})});
+    another.tool.begin(); // by another hand
+    another.pass(10s);
+    ASSERT_TRUE(another.machine.choose(cancelBackupTitle));
+    EXPECT_EQ(another.defaults().dateForKey(key::LastBackup), neverDate());
 }
 
 TEST(BackupRoad, StatisticsSurviveACounterThatStartsAgainAndAQuitInBetween) {
@@ -129,16 +115,6 @@ TEST(BackupRoad, StatisticsSurviveACounterThatStartsAgainAndAQuitInBetween) {
     EXPECT_EQ(program.integer(key::FilesLastBackup), 500 + 791)
         << "the banked files count into the next backup";
     EXPECT_EQ(program.integer(key::FilesTotal), program.integer(key::FilesLastBackup));
-}
-
-TEST(BackupRoad, AnOddAnswerReachesTheLogEscapedAndOnlyTheLog) {
-    Program program({.disk = Program::diskWith(due())});
-    program.machine.tools().setScript([](const UserTask& task) {
-        return headless::ToolAnswer{task.arguments.front() == "startbackup" ? "bad\n\x1b[31mnews" : ""};
-    });
-    program.pass(1min);
-    EXPECT_EQ(program.logged("startbackup returned: bad\\n\\x1B[31mnews"), 1U);
-    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 60) << "a refusal counts as a start";
 }
 
 } // namespace

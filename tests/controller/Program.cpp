@@ -18,8 +18,10 @@ headless::Configuration withDisk(headless::Configuration configuration) {
 
 } // namespace
 
-Program::Program(headless::Configuration configuration)
+Program::Program(headless::Configuration configuration,
+                 const std::function<void(headless::Machine&)>& prepare)
     : machine(withDisk(std::move(configuration))) {
+    prepare(machine);
     machine.perform([this] {
         interface = std::make_unique<MainInterface>(machine.platform(), std::string(defaultToolURL));
         interface->controller().applicationDidFinishLaunching();

@@ -6,6 +6,7 @@
 #include "tests/controller/BackupTool.h"
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,7 +18,10 @@ class Program {
   public:
     /// With a disk of an earlier run the program is started again on it; a new one has the tool and has been
     /// started before, so that nothing is asked.
-    explicit Program(headless::Configuration configuration = {});
+    /// The preparation runs before the program's start.
+    explicit Program(
+        headless::Configuration configuration = {},
+        const std::function<void(headless::Machine&)>& prepare = [](auto&) {});
 
     /// A disk for a program that is started for the first time.
     static std::shared_ptr<headless::Disk> newDisk(bool withTool = true);

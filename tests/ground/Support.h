@@ -1,17 +1,18 @@
 #pragma once
 
 #include "platform/Log.h"
-#include "platform/RunLoop.h"
-#include "platform/UserDefaults.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <string>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace orvello::test {
 
@@ -21,16 +22,6 @@ class RecordingLog : public Log {
 
   protected:
     void write(const std::string& line) override { lines.push_back(line); }
-};
-
-/// A run loop that turns when it is told to.
-class SteppedRunLoop : public RunLoop {
-  public:
-    void turn() { runPending(); }
-
-  protected:
-    Uptime uptime() const override { return {}; }
-    void wakeAt(std::optional<Uptime>) override {}
 };
 
 class TemporaryFolder {

@@ -41,6 +41,7 @@ std::string dateText(Date date) {
 }
 
 constexpr auto lowest = std::numeric_limits<std::int64_t>::min();
+constexpr auto most = std::numeric_limits<std::int64_t>::max();
 
 TEST(BackupScheduler, CountdownAndIdleness) {
     struct Row {
@@ -79,22 +80,10 @@ TEST(BackupScheduler, CountdownAndIdleness) {
         {"no countdown, or, idle, no trigger", {-1, 10, "or"}, 600, no, {false, none, -1, false}},
         {"no countdown, or, active", {-1, 10, "or"}, 180, yes, {false, none, 7, true}},
         {"no countdown, or, idle time off", {-1, -1, "or"}, 720, yes, {false, none, -1, false}},
-        {"edited to beyond all ranges",
-         {lowest, lowest, "or"},
-         0,
-         yes,
-         {true, std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::max(), false}},
+        {"edited to beyond all ranges", {lowest, lowest, "or"}, 0, yes, {true, most, most, false}},
     };
     for (const auto& row : rows)
         EXPECT_EQ(decideDynamic(row.settings, row.idle, row.trigger), row.expected) << row.name;
-}
-
-TEST(BackupScheduler, MinimumNotMinusOne) {
-    EXPECT_EQ(minimumNotMinusOne(-1, 5), 5);
-    EXPECT_EQ(minimumNotMinusOne(5, -1), 5);
-    EXPECT_EQ(minimumNotMinusOne(-1, -1), -1);
-    EXPECT_EQ(minimumNotMinusOne(3, 3), 3);
-    EXPECT_EQ(minimumNotMinusOne(7, 2), 2);
 }
 
 TEST(BackupScheduler, FixedHours) {
@@ -120,48 +109,47 @@ TEST(BackupScheduler, FixedHours) {
         {"no hour of a day", 14h, 24, -1, false},
         {"nonsense", 14h, lowest, -1, false},
     };
+    const auto decide = [](std::int64_t hour, microseconds timeOfDay, Trigger trigger) {
+        return decideFixedHour("Time2", hour, midnight + timeOfDay, utc, timeText, trigger);
+    };
     for (const auto& row : rows) {
-        const Date now = midnight + row.timeOfDay;
-        const auto triggered = decideFixedHour("Time1", row.hour, now, utc, timeText, Trigger::Yes);
+        const auto triggered = decide(row.hour, row.timeOfDay, Trigger::Yes);
         EXPECT_EQ(triggered.minutes, row.minutes) << row.name;
         EXPECT_EQ(triggered.startBackup, row.start) << row.name;
-        EXPECT_FALSE(decideFixedHour("Time1", row.hour, now, utc, timeText, Trigger::No).startBackup)
-            << row.name;
+        EXPECT_FALSE(decide(row.hour, row.timeOfDay, Trigger::No).startBackup) << row.name;
     }
-    EXPECT_EQ(decideFixedHour("Time2", 14, midnight + 13h + 30min, utc, timeText, Trigger::No).logLines,
+    EXPECT_EQ(decide(14, 13h + 30min, Trigger::No).logLines,
               (std::vector<std::string>{"Delta minutes: 30", "Time2String: 14:0\tTimeCompareString: 13:30"}));
-    EXPECT_TRUE(decideFixedHour("Time2", -1, midnight, utc, timeText, Trigger::Yes).logLines.empty());
+    EXPECT_TRUE(decide(-1, 0h, Trigger::Yes).logLines.empty());
 }
 
 TEST(BackupScheduler, NextBackupText) {
-    struct Row {
-        const char* name;
-        DynamicDecision dynamic;
-        std::int64_t untilTime1;
-        std::int64_t untilTime2;
-        const char* text;
-    };
     const auto dynamic = [](std::int64_t minutes, bool onlyIfIdle) {
         return DynamicDecision{.minutes = minutes, .onlyIfIdle = onlyIfIdle};
     };
+    struct Row {
+        DynamicDecision dynamic;
+        std::int64_t untilTime1, untilTime2;
+        std::string text;
+    };
     const Row rows[] = {
-        {"nothing expected", dynamic(-1, false), -1, -1, "Next Backup: Automatic Backup not Active"},
-        {"due now", dynamic(0, false), -1, -1, "Next Backup: in less than one Minute"},
-        {"countdown", dynamic(30, false), -1, -1, "Next Backup: 630"},
-        {"idleness", dynamic(6, true), -1, -1, "Next Backup: 606 (if Idle)"},
-        {"due now if idle", dynamic(0, true), -1, -1, "Next Backup: in less than one Minute (if Idle)"},
-        {"fixed hour first", dynamic(30, false), 20, 25, "Next Backup: 620"},
-        {"second fixed hour first", dynamic(30, false), 25, 20, "Next Backup: 620"},
-        {"fixed hour now", dynamic(30, true), 0, -1, "Next Backup: in less than one Minute"},
-        {"idleness before the fixed hour", dynamic(6, true), 20, -1, "Next Backup: 606 (if Idle)"},
-        {"a tie with a fixed hour is certain", dynamic(20, true), 20, -1, "Next Backup: 620"},
+        {dynamic(-1, false), -1, -1, "Automatic Backup not Active"},
+        {dynamic(0, false), -1, -1, "in less than one Minute"},
+        {dynamic(30, false), -1, -1, "630"},
+        {dynamic(6, true), -1, -1, "606 (if Idle)"},
+        {dynamic(0, true), -1, -1, "in less than one Minute (if Idle)"},
+        {dynamic(30, false), 20, 25, "620"},
+        {dynamic(30, false), 25, 20, "620"},
+        {dynamic(30, true), 0, -1, "in less than one Minute"},
+        {dynamic(6, true), 20, -1, "606 (if Idle)"},
+        {dynamic(20, true), 20, -1, "620"}, // a tie with a fixed hour is certain
     };
     for (const auto& row : rows) {
         const auto next =
             decideNextBackup(row.dynamic, row.untilTime1, row.untilTime2, midnight + 10h + 20s, dateText);
-        EXPECT_EQ(next.menuText, row.text) << row.name;
-        EXPECT_EQ(next.date.has_value(), next.menuText != rows[0].text) << row.name;
-        EXPECT_EQ(next.logLines.back(), "MenuString: " + next.menuText) << row.name;
+        EXPECT_EQ(next.menuText, "Next Backup: " + row.text);
+        EXPECT_EQ(next.date.has_value(), row.dynamic.minutes >= 0) << row.text;
+        EXPECT_EQ(next.logLines.back(), "MenuString: " + next.menuText);
     }
     EXPECT_EQ(decideNextBackup(dynamic(7, false), 9, -1, midnight, dateText).logLines.front(),
               "Fixed: 9\tDynamic: 7");
@@ -169,7 +157,6 @@ TEST(BackupScheduler, NextBackupText) {
 
 TEST(BackupScheduler, NextBackupDateKeepsTheSecondsAndItsBounds) {
     EXPECT_EQ(calculateNextBackupDate(midnight + 20s, 5), midnight + 5min + 20s);
-    constexpr auto most = std::numeric_limits<std::int64_t>::max();
     EXPECT_GT(calculateNextBackupDate(midnight, most), midnight + years(9'000));
     EXPECT_LT(calculateNextBackupDate(midnight, lowest), midnight - years(9'000));
 }

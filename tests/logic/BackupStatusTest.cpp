@@ -19,6 +19,7 @@ constexpr std::string_view phase = "<key>BackupPhase</key><string>Copying</strin
 constexpr std::string_view percent = "<key>Percent</key><string>0.5</string>";
 constexpr std::string_view progress = "<key>Progress</key><dict><key>files</key><integer>7</integer></dict>";
 constexpr std::string_view bareDate = "<key>DateOfStateChange</key>";
+constexpr std::string_view date = "<date>2026-11-22T10:00:00Z</date>";
 
 std::string joined(std::initializer_list<std::string_view> parts) {
     std::string text;
@@ -42,43 +43,29 @@ TEST(BackupStatus, IsReadFromTheAnswer) {
          {"Running", copying, half, sevenFiles}},
         {"running as an integer", answer("<key>Running</key><integer>1</integer>"), {"Running"}},
         {"running as a string", answer("<key>Running</key><string>1</string>"), {"Running"}},
-        {"running as a real", answer("<key>Running</key><real>1.9</real>"), {"Running"}},
         {"without phase nothing is taken over", answer(joined({running, percent, progress})), {"Running"}},
         {"without percent no progress", answer(joined({running, phase, progress})), {"Running", copying}},
         {"without progress", answer(joined({running, phase, percent})), {"Running", copying, half}},
         {"progress that is no dictionary is carried",
          answer(joined({running, phase, percent, "<key>Progress</key><integer>3</integer>"})),
          {"Running", copying, half, plist::Value(3)}},
-        {"stopping wins over running",
-         answer(joined({running, phase, "<key>Stopping</key><true/>"})),
-         {"Stopping"}},
-        {"stopping alone", answer("<key>Stopping</key><integer>1</integer>"), {"Stopping"}},
+        {"stopping first", answer(joined({running, phase, "<key>Stopping</key><true/>"})), {"Stopping"}},
         {"not stopping", answer(joined({running, "<key>Stopping</key><false/>"})), {"Running"}},
-        {"running 0", answer("<key>Running</key><integer>0</integer>"), {"Idle"}},
         {"running 2", answer("<key>Running</key><integer>2</integer>"), {"Idle"}},
         {"running of another kind", answer("<key>Running</key><array/>"), {"Idle"}},
-        {"no running", answer("<key>Percent</key><real>-1</real>"), {"Idle"}},
-        {"a key without its value is mended",
-         answer(joined({bareDate, running, phase})),
-         {"Running", copying}},
-        {"two of them are mended",
+        {"keys without their values are mended",
          answer(joined({bareDate, running, "<key>Deeper</key><dict>", bareDate, "</dict>"})),
          {"Running"}},
-        {"a key with a value spoils the mending",
-         answer(joined({bareDate, "<date>2026-11-22T10:00:00Z</date>"})),
+        {"one with its value is left alone", answer(joined({bareDate, date, running})), {"Running"}},
+        {"one with its value spoils the mending of another",
+         answer(joined({running, bareDate, date, "<key>Deeper</key><dict>", bareDate, "</dict>"})),
          {"Idle"}},
-        {"a key with a value beside running",
-         answer(joined({bareDate, "<date>2026-11-22T10:00:00Z</date>", running})),
-         {"Running"}},
         {"another key without its value", answer(joined({"<key>ClientID</key>", running})), {"Idle"}},
-        {"empty", "", {"Idle"}},
         {"a sentence", "tool: nothing is set up.\n", {"Idle"}},
         {"diagnostics before the answer", "note\n" + answer(running), {"Idle"}},
         {"cut in the middle", answer(running).substr(0, 80), {"Idle"}},
         {"not UTF-8", answer(joined({running, "<key>\xff</key><true/>"})), {"Idle"}},
-        {"a root that is no dictionary",
-         "<plist version=\"1.0\"><array><string>Running</string></array></plist>",
-         {"Idle"}},
+        {"no dictionary", "<plist version=\"1.0\"><array><string>Running</string></array></plist>", {"Idle"}},
     };
     for (const auto& row : rows)
         EXPECT_EQ(readBackupStatus(row.output), row.expected) << row.name;
@@ -88,21 +75,15 @@ TEST(DestinationInfo, IsTheArrayOrNone) {
     const auto list = [](std::string_view value) {
         return answer("<key>Destinations</key>" + std::string(value));
     };
-    const auto two =
-        readDestinationInfo(list("<array><dict><key>ID</key><string>B</string><key>Quota</key><integer>5"
-                                 "</integer></dict><dict><key>ID</key><string>A</string></dict></array>"));
-    EXPECT_EQ(two,
-              (plist::Array{plist::Dictionary{{"ID", "B"}, {"Quota", 5}}, plist::Dictionary{{"ID", "A"}}}));
+    EXPECT_EQ(readDestinationInfo(list("<array><dict><key>ID</key><string>B</string></dict></array>")),
+              plist::Array{plist::Dictionary({{"ID", "B"}})});
     EXPECT_EQ(readDestinationInfo(list("<array/>")), plist::Array{});
-    EXPECT_EQ(readDestinationInfo(list("<string>A</string>")), std::nullopt);
-    EXPECT_EQ(readDestinationInfo(answer("")), std::nullopt);
-    EXPECT_EQ(readDestinationInfo("tool: nothing is set up.\n"), std::nullopt);
-    EXPECT_EQ(readDestinationInfo(""), std::nullopt);
+    for (const auto& none : {list("<string>A</string>"), answer(""), std::string("tool: nothing is set up.")})
+        EXPECT_EQ(readDestinationInfo(none), std::nullopt) << none;
 }
 
 TEST(ToolOutput, IsTextOnlyAsAWhole) {
     EXPECT_EQ(decodeText(""), "");
-    EXPECT_EQ(decodeText("two\nlines, no end"), "two\nlines, no end");
     EXPECT_EQ(decodeText("für \xF0\x9F\x97\x84"), "für \xF0\x9F\x97\x84");
     EXPECT_EQ(decodeText("good, then \xC3"), std::nullopt);
     EXPECT_EQ(decodeText("\xED\xA0\x80"), std::nullopt) << "a surrogate";
