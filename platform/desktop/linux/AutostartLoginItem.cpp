@@ -12,14 +12,18 @@ namespace orvello {
 
 namespace {
 
-constexpr std::string_view entry = "[Desktop Entry]\n"
-                                   "Type=Application\n"
-                                   "Name=Orvello\n"
-                                   "Comment=Starts backups on a schedule of its own\n"
-                                   "Exec={}\n"
-                                   "Icon=org.orvello.Orvello\n"
-                                   "Terminal=false\n"
-                                   "StartupNotify=false\n";
+/// The program's own desktop file with another command to run.
+QByteArray desktopFileRunning(const std::string& exec) {
+    QFile installed(QStringLiteral(":/org.orvello.Orvello.desktop"));
+    QByteArray text;
+    if (!installed.open(QIODevice::ReadOnly))
+        return text;
+    while (!installed.atEnd()) {
+        const auto line = installed.readLine();
+        text += line.startsWith("Exec=") ? QByteArray::fromStdString("Exec=" + exec + '\n') : line;
+    }
+    return text;
+}
 
 } // namespace
 
@@ -37,12 +41,10 @@ bool AutostartLoginItem::setEnabled(bool enabled) {
     const auto exec = desktopEntryExec(program_, "launchAtLogin");
     if (exec.empty() || !QDir().mkpath(QFile::decodeName(folder_.c_str())))
         return false;
-    const auto text = fmt::format(entry, exec);
+    const auto text = desktopFileRunning(exec);
     QSaveFile replacement(file);
-    return replacement.open(QIODevice::WriteOnly) &&
-           replacement.write(text.data(), static_cast<qint64>(text.size())) ==
-               static_cast<qint64>(text.size()) &&
-           replacement.commit();
+    return !text.isEmpty() && replacement.open(QIODevice::WriteOnly) &&
+           replacement.write(text) == text.size() && replacement.commit();
 }
 
 std::string AutostartLoginItem::userFolder() {
@@ -61,11 +63,11 @@ std::string desktopEntryExec(std::string_view program, std::string_view argument
         case '"':
         case '`':
         case '$':
-            exec += "\\\\";
+            exec += R"(\\)";
             exec += c;
             break;
         case '\\':
-            exec += "\\\\\\\\";
+            exec += R"(\\\\)";
             break;
         case '%':
             exec += "%%";

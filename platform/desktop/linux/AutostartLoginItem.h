@@ -7,7 +7,8 @@
 
 namespace orvello {
 
-/// The login item as a desktop file in a folder of the freedesktop.org Autostart Specification.
+/// The login item as a desktop file in a folder of the freedesktop.org Autostart Specification, made from the
+/// program's own desktop file.
 class AutostartLoginItem : public LoginItem {
   public:
     /// The folder is made when it is missing. `program` is the absolute path of what the session starts.

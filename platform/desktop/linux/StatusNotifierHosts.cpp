@@ -6,8 +6,10 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusVariant>
 
+#include <limits>
 #include <utility>
 
 namespace orvello {
@@ -16,12 +18,21 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int answerTimeoutMilliseconds = 5000;
+constexpr int settleMilliseconds = 5000;
+/// A watcher may be long in starting, as at login; if it ends instead, the bus says so.
+constexpr int waitForever = std::numeric_limits<int>::max();
 
-StatusNotifierHosts::State stateOf(const QDBusPendingReply<QDBusVariant>& reply,
-                                   StatusNotifierHosts::State before) {
+QDBusMessage question() {
+    auto call = QDBusMessage::createMethodCall(statusNotifierWatcher, statusNotifierWatcherPath,
+                                               u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    call.setAutoStartService(false);
+    call << QString(statusNotifierWatcher) << u"IsStatusNotifierHostRegistered"_s;
+    return call;
+}
+
+StatusNotifierHosts::State stateOf(const QDBusReply<QDBusVariant>& reply, StatusNotifierHosts::State before) {
     using State = StatusNotifierHosts::State;
-    if (!reply.isError())
+    if (reply.isValid())
         return reply.value().variant().toBool() ? State::Present : State::Absent;
     switch (reply.error().type()) {
     case QDBusError::NoReply:
@@ -66,22 +77,20 @@ void StatusNotifierHosts::watcherReplaced(const QString& newOwner) {
 
 void StatusNotifierHosts::ask() {
     delete std::exchange(question_, nullptr);
-    auto call = QDBusMessage::createMethodCall(statusNotifierWatcher, statusNotifierWatcherPath,
-                                               u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
-    call.setAutoStartService(false);
-    call << QString(statusNotifierWatcher) << u"IsStatusNotifierHostRegistered"_s;
-    question_ =
-        new QDBusPendingCallWatcher(bus_.connection().asyncCall(call, answerTimeoutMilliseconds), this);
+    question_ = new QDBusPendingCallWatcher(bus_.connection().asyncCall(question(), waitForever), this);
     connect(question_, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* answer) {
         answer->deleteLater();
         question_ = nullptr;
-        setState(stateOf(*answer, state_));
+        setState(stateOf(QDBusPendingReply<QDBusVariant>(*answer).reply(), state_));
     });
 }
 
 void StatusNotifierHosts::settle() {
-    if (state_ == State::Unknown && question_)
-        question_->waitForFinished();
+    if (state_ == State::Unknown && !std::exchange(settled_, true)) {
+        const QDBusReply<QDBusVariant> reply =
+            bus_.connection().call(question(), QDBus::Block, settleMilliseconds);
+        setState(stateOf(reply, state_));
+    }
 }
 
 void StatusNotifierHosts::setState(State state) {

@@ -23,7 +23,7 @@ class StatusNotifierHosts final : public QObject {
 
     State state() const { return state_; }
 
-    /// While the state is unknown, waits for the watcher's answer, a few seconds at most.
+    /// While the state is unknown, waits for the watcher's answer, a few seconds at most and only once.
     void settle();
 
   Q_SIGNALS:
@@ -43,6 +43,7 @@ class StatusNotifierHosts final : public QObject {
     QDBusServiceWatcher owner_;
     QDBusPendingCallWatcher* question_ = nullptr;
     State state_ = State::Unknown;
+    bool settled_ = false;
 };
 
 } // namespace orvello

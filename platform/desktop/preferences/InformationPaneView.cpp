@@ -13,11 +13,14 @@ namespace orvello {
 
 namespace {
 
-constexpr int imageLines = 4;   ///< height of the destination's image
-constexpr int fieldColumns = 9; ///< least width of a value, in the widest digits
+constexpr int imageLines = 4; ///< height of the destination's image
+// Least widths of values, in digits
+constexpr int countColumns = 9;
+constexpr int identifierColumns = 40; ///< a UUID with its letters
 
 /// Adds a row with a label and its value, below the others.
-void addRow(QGridLayout& grid, int column, const QString& label, TextField& control, const QString& name) {
+void addRow(QGridLayout& grid, int column, const QString& label, TextField& control, const QString& name,
+            int fieldColumns) {
     const int row = grid.rowCount();
     auto* field = makeElidedFieldView(control, name);
     auto* title = makeLabel(label);
@@ -32,10 +35,14 @@ void addRow(QGridLayout& grid, int column, const QString& label, TextField& cont
 QGroupBox* makeDestinationBox(PreferencesInterface& controls) {
     auto* box = makeBoxView(controls.InfoDestinationBox);
     auto* grid = new QGridLayout(box);
-    addRow(*grid, 1, QStringLiteral("Name:"), controls.InfoVolumeName, QStringLiteral("Destination's name"));
-    addRow(*grid, 1, QStringLiteral("Kind:"), controls.InfoVolumeType, QStringLiteral("Destination's kind"));
-    addRow(*grid, 1, QStringLiteral("ID:"), controls.InfoVolumeID, QStringLiteral("Destination's ID"));
-    addRow(*grid, 1, QStringLiteral("URL:"), controls.InfoVolumeURL, QStringLiteral("Destination's URL"));
+    addRow(*grid, 1, QStringLiteral("Name:"), controls.InfoVolumeName, QStringLiteral("Destination's name"),
+           identifierColumns);
+    addRow(*grid, 1, QStringLiteral("Kind:"), controls.InfoVolumeType, QStringLiteral("Destination's kind"),
+           identifierColumns);
+    addRow(*grid, 1, QStringLiteral("ID:"), controls.InfoVolumeID, QStringLiteral("Destination's ID"),
+           identifierColumns);
+    addRow(*grid, 1, QStringLiteral("URL:"), controls.InfoVolumeURL, QStringLiteral("Destination's URL"),
+           identifierColumns);
     const int line = box->fontMetrics().height();
     grid->addWidget(makeImageViewView(controls.InfoVolumeImage, imageLines * line), 0, 0, grid->rowCount(), 1,
                     Qt::AlignCenter);
@@ -45,8 +52,10 @@ QGroupBox* makeDestinationBox(PreferencesInterface& controls) {
 
 QGroupBox* withCopied(QGroupBox* box, TextField& files, TextField& bytes, const QString& when) {
     auto* grid = new QGridLayout(box);
-    addRow(*grid, 0, QStringLiteral("Files:"), files, QStringLiteral("Files copied, %1").arg(when));
-    addRow(*grid, 0, QStringLiteral("Data:"), bytes, QStringLiteral("Data copied, %1").arg(when));
+    addRow(*grid, 0, QStringLiteral("Files:"), files, QStringLiteral("Files copied, %1").arg(when),
+           countColumns);
+    addRow(*grid, 0, QStringLiteral("Data:"), bytes, QStringLiteral("Data copied, %1").arg(when),
+           countColumns);
     return box;
 }
 
