@@ -24,9 +24,8 @@ DesktopPlatform::DesktopPlatform(Log& log, const UserLocale& locale)
     , loginItem_(AutostartLoginItem::userFolder(),
                  QFile::encodeName(QCoreApplication::applicationFilePath()).toStdString())
     , userTasks_(log)
-    , preferencesWindow_([this](PreferencesInterface& controls) {
-        return makePreferencesView(controls, settings_.name());
-    })
+    , preferencesWindow_(
+          [this](PreferencesInterface& controls) { return makePreferencesView(controls, settings_.name()); })
     , workspace_(log) {
     userTasks_.giveUpOn(application_.terminationDescriptor());
 }
