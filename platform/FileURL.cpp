@@ -13,7 +13,7 @@ std::optional<std::string> pathFromFileURL(std::string_view url) {
             return std::nullopt; // a host that is not this one
         std::string path;
         for (std::size_t i = 0; i < url.size(); ++i) {
-            unsigned char byte = static_cast<unsigned char>(url[i]);
+            auto byte = static_cast<unsigned char>(url[i]);
             if (byte == '%') {
                 const auto* digits = url.data() + i + 1;
                 if (i + 2 >= url.size() || std::from_chars(digits, digits + 2, byte, 16).ptr != digits + 2)

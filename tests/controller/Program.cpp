@@ -72,7 +72,8 @@ std::size_t Program::logged(std::string_view beginning) {
 
 Date berlin(int year, unsigned month, unsigned day, int hour, int minute, int utcOffsetHours) {
     using namespace std::chrono;
-    return sys_days{std::chrono::year(year) / month / day} + hours(hour - utcOffsetHours) + minutes(minute);
+    return sys_days{std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day)} +
+           hours(hour - utcOffsetHours) + minutes(minute);
 }
 
 } // namespace orvello
