@@ -6,6 +6,7 @@
 #include "platform/desktop/linux/DesktopDisplay.h"
 #include "platform/posix/SingleInstance.h"
 #include "platform/posix/SystemLog.h"
+#include "timemachine/ToolRuns.h"
 
 #include <QApplication>
 #include <QSocketNotifier>
@@ -24,14 +25,13 @@ using namespace orvello;
 /// The backup tool: what ORVELLO_TOOL_URL names, a file URL, else the one that the system installs.
 std::string toolURL(Log& log) {
     constexpr const char* variable = "ORVELLO_TOOL_URL";
-    constexpr const char* installed = "file:///usr/bin/tmutil";
     const char* named = std::getenv(variable);
     if (!named || !*named)
-        return installed;
+        return std::string(defaultToolURL);
     if (pathFromFileURL(named))
         return named;
     log.line(fmt::format("{} is no file URL and is ignored: {}", variable, named));
-    return installed;
+    return std::string(defaultToolURL);
 }
 
 int run(int argc, char** argv, SystemLog& log, SingleInstance& instance) {
