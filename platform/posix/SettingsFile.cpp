@@ -1,6 +1,7 @@
 #include "platform/posix/SettingsFile.h"
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/HomeFolder.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
@@ -14,7 +15,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
-#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -110,25 +110,11 @@ bool readWhole(const Descriptor& file, std::string& bytes, std::size_t limit) {
     return true;
 }
 
-std::string homeFolder() {
-    if (const char* home = std::getenv("HOME"); home != nullptr && *home == '/')
-        return home;
-    std::array<char, 16 * 1024> buffer{};
-    passwd entry{};
-    passwd* found = nullptr;
-    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
-        return {};
-    return *entry.pw_dir == '/' ? entry.pw_dir : "";
-}
-
 } // namespace
 
 std::string defaultSettingsPath() {
-    constexpr std::string_view file = "/org.orvello.Orvello.plist";
-    if (const char* config = std::getenv("XDG_CONFIG_HOME"); config != nullptr && *config == '/')
-        return std::string(config).append(file);
-    const auto home = homeFolder();
-    return home.empty() ? home : home + "/.config" + std::string(file);
+    const auto folder = userFolder("XDG_CONFIG_HOME", ".config");
+    return folder.empty() ? folder : folder + "/org.orvello.Orvello.plist";
 }
 
 SettingsFile::Content SettingsFile::read() {

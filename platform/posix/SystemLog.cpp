@@ -38,9 +38,9 @@ void writeToStandardError(const std::string& text) {
 
 } // namespace
 
-SystemLog::SystemLog()
+SystemLog::SystemLog(const char* name)
     : toStandardError_(wantsStandardError()) {
-    ::openlog("orvello", 0, LOG_USER);
+    ::openlog(name, 0, LOG_USER);
 }
 
 SystemLog::~SystemLog() {

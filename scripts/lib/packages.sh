@@ -11,6 +11,7 @@ packages_build=(
     libxcb1-dev
     libxcb-screensaver0-dev
     ninja-build
+    nlohmann-json3-dev
     pkg-config
     qt6-base-dev
     qt6-svg-dev
@@ -26,6 +27,7 @@ packages_test=(
     libgmock-dev
     libgtest-dev
     python3
+    restic
     xdotool
     xvfb
 )

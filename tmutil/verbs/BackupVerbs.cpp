@@ -1,0 +1,84 @@
+#include "platform/plist/PropertyList.h"
+#include "tmutil/backup/Launch.h"
+#include "tmutil/backup/RunState.h"
+#include "tmutil/backup/Worker.h"
+#include "tmutil/verbs/BraceForm.h"
+#include "tmutil/verbs/Verbs.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+
+namespace orvello::tmutil {
+
+namespace {
+
+/// Waits for the backup that another call started; how it ended is told by that call, the log and the status.
+int waitForOther(const Folders& folders) {
+    constexpr std::chrono::milliseconds pause(200);
+    const BackupLock lock(folders);
+    while (lock.holder())
+        std::this_thread::sleep_for(pause);
+    const auto answer = statusAnswer(folders);
+    const auto* last = plist::find(answer, "LastFailure");
+    if (last == nullptr)
+        return success;
+    if (const auto* fields = last->as<plist::Dictionary>())
+        if (const auto* reason = plist::find(*fields, "Reason"); reason && reason->as<std::string>())
+            complain(*reason->as<std::string>());
+    return failure;
+}
+
+} // namespace
+
+int startBackup(const Invocation& invocation) {
+    const bool block = invocation.has("--block");
+    const BackupOrder order{
+        .destination = invocation.value("-d"),
+        .userWatches = !invocation.has("--auto") && ::isatty(STDERR_FILENO) == 1,
+    };
+    const auto report = launch([&](Reporter& reporter) { makeBackup(invocation.folders, order, reporter); },
+                               block ? Listen::UntilTheEnd : Listen::UntilUnderWay);
+    switch (report.kind) {
+    case Report::Kind::Started:
+        return success;
+    case Report::Kind::Busy:
+        return block ? waitForOther(invocation.folders) : success;
+    case Report::Kind::Completed:
+        print(report.text);
+        return success;
+    case Report::Kind::Failed:
+        complain(report.text);
+        return failure;
+    case Report::Kind::Nothing:
+        break;
+    }
+    complain("The backup was ended before its time.");
+    return failure;
+}
+
+int stopBackup(const Invocation& invocation) {
+    const auto process = BackupLock(invocation.folders).holder();
+    if (!process || *process <= 0 || ::kill(*process, SIGTERM) == 0 || errno == ESRCH)
+        return success;
+    complain(fmt::format("The backup cannot be stopped: {}.", std::generic_category().message(errno)));
+    return failure;
+}
+
+int showStatus(const Invocation& invocation) {
+    const auto answer = statusAnswer(invocation.folders);
+    print(invocation.has("-X") ? plist::serialize(answer) : "Backup session status:\n" + braceForm(answer));
+    return success;
+}
+
+int showVersion(const Invocation& /*invocation*/) {
+    print("tmutil version " ORVELLO_VERSION "\n");
+    return success;
+}
+
+} // namespace orvello::tmutil
