@@ -26,10 +26,16 @@ packages_test=(
     libclang-rt-dev
     libgmock-dev
     libgtest-dev
+    mandoc
     python3
-    restic
     xdotool
     xvfb
+)
+
+# What the backup tool calls.
+packages_tool=(
+    libnotify-bin
+    restic
 )
 
 # A desktop of our own, for runs on machines without one.
