@@ -23,6 +23,26 @@ void combineWithIdleness(DynamicDecision& decision, std::int64_t remainder) {
     decision.onlyIfIdle = decision.minutes == remainder;
 }
 
+std::int64_t secondsUntil(Date target, Date now) {
+    return std::chrono::duration_cast<std::chrono::seconds>(target - now).count();
+}
+
+std::int64_t wholeMinutesUntil(Date target, Date now) {
+    const auto seconds = secondsUntil(target, now);
+    return seconds / 60 + (seconds % 60 != 0 ? 1 : 0);
+}
+
+/// The first instant of that hour that is not a minute or more ago; none for an hour outside 0 to 23.
+std::optional<Date> nextInstantAtHour(std::int64_t hour, Date now, const Calendar& calendar) {
+    // Yesterday's hour may have been skipped up to this minute, and the day after tomorrow comes next where
+    // the calendar has no tomorrow.
+    for (const int day : {-1, 0, 1, 2})
+        for (const Date target : calendar.instantsAtHour(now, day, hour))
+            if (secondsUntil(target, now) >= -59)
+                return target;
+    return std::nullopt;
+}
+
 } // namespace
 
 DynamicDecision decideDynamic(const ScheduleSettings& settings, std::int64_t idleTime, Trigger trigger) {
@@ -66,14 +86,16 @@ FixedHourDecision decideFixedHour(std::string_view name, std::int64_t hour, Date
                                   const Calendar& calendar, const DateText& timeText, Trigger trigger) {
     FixedHourDecision decision;
     const auto today = calendar.instantsAtHour(now, 0, hour);
-    decision.minutes = calculateMinutesUntilTime(hour, now, calendar);
-    if (today.empty() || decision.minutes == -1)
+    const auto next = nextInstantAtHour(hour, now, calendar);
+    if (next)
+        decision.minutes = wholeMinutesUntil(*next, now);
+    if (today.empty() || !next)
         return decision;
-    const auto hourText = timeText(today.front());
-    const auto nowText = timeText(now);
-    decision.startBackup = trigger == Trigger::Yes && nowText == hourText;
+    const bool due = *next <= now;
+    decision.startBackup = due && trigger == Trigger::Yes;
     decision.logLines = {fmt::format("Delta minutes: {}", decision.minutes),
-                         fmt::format("{}String: {}\tTimeCompareString: {}", name, hourText, nowText)};
+                         fmt::format("{}String: {}\tTimeCompareString: {}", name,
+                                     timeText(due ? *next : today.front()), timeText(now))};
     return decision;
 }
 
@@ -105,16 +127,8 @@ std::int64_t minimumNotMinusOne(std::int64_t first, std::int64_t second) {
 }
 
 std::int64_t calculateMinutesUntilTime(std::int64_t hour, Date now, const Calendar& calendar) {
-    using std::chrono::seconds;
-    for (const int day : {0, 1, 2}) { // the day after tomorrow only where the calendar has no tomorrow
-        for (const Date target : calendar.instantsAtHour(now, day, hour)) {
-            const auto distance = std::chrono::duration_cast<seconds>(target - now).count();
-            if (distance < -59)
-                continue; // that time was a minute or more ago
-            return distance / 60 + (distance % 60 != 0 ? 1 : 0);
-        }
-    }
-    return -1;
+    const auto next = nextInstantAtHour(hour, now, calendar);
+    return next ? wholeMinutesUntil(*next, now) : -1;
 }
 
 Date calculateNextBackupDate(Date now, std::int64_t minutes) {

@@ -49,10 +49,10 @@ struct FixedHourDecision {
     std::vector<std::string> logLines;
 };
 
-/// Judges a fixed hour of the day; its start is due exactly in the minute HH:00 of the user's clock, which is
-/// told by comparing the texts of both times. An hour that the clock skips counts as the first minute behind
-/// the gap, an hour that it repeats is honoured both times. An hour outside 0 to 23 is off. `name` ("Time1")
-/// begins the log line; `timeText` renders hours and minutes without seconds.
+/// Judges a fixed hour of the day; its start is due exactly in the minute HH:00 of the user's clock. An hour
+/// that the clock skips counts as the first minute behind the gap, on the next day too; an hour that it
+/// repeats is honoured both times. An hour outside 0 to 23 is off. `name` ("Time1") begins the log line;
+/// `timeText` renders hours and minutes without seconds.
 FixedHourDecision decideFixedHour(std::string_view name, std::int64_t hour, Date now,
                                   const Calendar& calendar, const DateText& timeText, Trigger trigger);
 

@@ -3,6 +3,8 @@
 #include <unicode/basictz.h>
 #include <unicode/tztrans.h>
 
+#include <utility>
+
 namespace orvello {
 
 namespace {
@@ -32,30 +34,32 @@ NamedTimeZone::~NamedTimeZone() = default;
 
 void NamedTimeZone::setName(const std::string& name) {
     zone_->icu.reset(icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name)));
-    period_ = {};
+    periods_ = {};
 }
 
 std::chrono::seconds NamedTimeZone::offsetAt(Date date) const {
-    if (date >= period_.from && date < period_.to)
-        return period_.offset;
+    for (const auto& period : periods_)
+        if (date >= period.from && date < period.to)
+            return period.offset;
+    auto& period = periods_.at(std::exchange(oldest_, 1 - oldest_));
     const UDate instant = icuDate(date);
     UErrorCode status = U_ZERO_ERROR;
     int32_t standard = 0;
     int32_t daylightSaving = 0;
     zone_->icu->getOffset(instant, false, standard, daylightSaving, status);
-    period_ = {Date::min(), Date::max(),
-               std::chrono::duration_cast<std::chrono::seconds>(milliseconds(standard + daylightSaving))};
+    period = {Date::min(), Date::max(),
+              std::chrono::duration_cast<std::chrono::seconds>(milliseconds(standard + daylightSaving))};
 
     // Every zone that ICU makes from a name can tell its transitions.
     const auto* basic = dynamic_cast<const icu::BasicTimeZone*>(zone_->icu.get());
     icu::TimeZoneTransition transition;
     if (!basic)
-        period_.to = period_.from;
+        period.to = period.from;
     if (basic && basic->getPreviousTransition(instant, true, transition))
-        period_.from = dateFromICU(transition.getTime());
+        period.from = dateFromICU(transition.getTime());
     if (basic && basic->getNextTransition(instant, false, transition))
-        period_.to = dateFromICU(transition.getTime());
-    return period_.offset;
+        period.to = dateFromICU(transition.getTime());
+    return period.offset;
 }
 
 } // namespace orvello

@@ -2,7 +2,9 @@
 
 #include "platform/Date.h"
 
+#include <array>
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,7 +49,8 @@ class NamedTimeZone : public TimeZone {
 
   private:
     struct Zone;
-    /// A stretch of time with one offset, kept since most questions fall into the same one.
+    /// A stretch of time with one offset. The latest two are kept: most questions fall into one, those around
+    /// a change into both.
     struct Period {
         Date from;
         Date to;
@@ -55,7 +58,8 @@ class NamedTimeZone : public TimeZone {
     };
 
     std::unique_ptr<Zone> zone_;
-    mutable Period period_;
+    mutable std::array<Period, 2> periods_;
+    mutable std::size_t oldest_ = 0;
 };
 
 } // namespace orvello

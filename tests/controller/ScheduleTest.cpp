@@ -104,15 +104,20 @@ TEST(Schedule, FixedHoursOnDaysOf23And25Hours) {
         Date start;
         std::int64_t hour;
         std::vector<std::string> utcTimes;
+        const char* zone = "Europe/Berlin";
     };
     const Row rows[] = {
         {"spring, an hour that does not exist", berlin(2026, 3, 28, 12, 0, 1), 2, {"1:0", "0:0"}},
         {"spring, the hour behind the gap", berlin(2026, 3, 28, 12, 0, 1), 3, {"1:0", "1:0"}},
         {"autumn, an hour that comes twice", berlin(2026, 10, 24, 12, 0, 2), 2, {"0:0", "1:0", "1:0"}},
         {"autumn, the hour after it", berlin(2026, 10, 24, 12, 0, 2), 3, {"2:0", "2:0"}},
+        // From 23:00 to midnight: due on the next day, and not at midnight a day before.
+        {"the last hour skipped", berlin(2009, 6, 18, 14, 0, 2), 23, {"17:0", "17:0"}, "Asia/Dhaka"},
+        {"the whole day skipped", berlin(2011, 12, 30, 2, 0, 2), 14, {"10:0", "0:0"}, "Pacific/Apia"},
     };
     for (const auto& row : rows) {
-        Program program({.start = row.start, .disk = Program::diskWith(schedule(-1, row.hour))});
+        Program program(
+            {.start = row.start, .timeZone = row.zone, .disk = Program::diskWith(schedule(-1, row.hour))});
         program.pass(40h);
         EXPECT_EQ(startTimes(program, 0), row.utcTimes) << row.name;
     }
