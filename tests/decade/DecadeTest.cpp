@@ -1,0 +1,193 @@
+// Ten years cannot be lived minute by minute in every zone, so what is claimed for all of them is shown in
+// four parts, each against the same expectation at each tick (Life.h):
+//
+//   all zones, ten years       each distinct history, asleep but for the minutes of the fixed hours and those
+//                              behind them: every one of these hours in ten years starts its backup
+//   each kind of clock change  every minute from 26 hours before it to 26 hours behind it, at the hours that
+//                              it skips or repeats and at those beside them, for all pairs of settings
+//   whole years                every minute of a year in zones that differ as much as zones do
+//   on the run loop            the same with the refreshes between the ticks, some weeks around changes
+//
+// In a build with sanitizers every so many-th history and change, and a part of the years (CMakeLists.txt).
+#include "tests/decade/Life.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace orvello {
+namespace {
+
+using namespace std::chrono;
+using namespace std::chrono_literals;
+
+#ifdef ORVELLO_DECADE_SHARE
+constexpr std::size_t share = ORVELLO_DECADE_SHARE;
+#else
+constexpr std::size_t share = 1;
+#endif
+/// Each test takes every so many-th of what there is, so that they can run side by side.
+constexpr std::size_t shards = 4;
+
+constexpr Date decadeStart = sys_days{2025y / January / 1};
+constexpr Date decadeEnd = sys_days{2035y / January / 1};
+constexpr Date livedEnd = share > 1 ? decadeStart + days(366) : decadeEnd;
+
+/// The schedules that each pair of hours is tried with. No other combination asks for another decision.
+const std::vector<Schedule> schedules = {{},
+                                         {.interval = 45},
+                                         {.interval = 90, .idleTime = 7},
+                                         {.interval = 30, .andOr = "or", .idleTime = 20},
+                                         {.andOr = "or", .idleTime = 45}};
+
+Schedule withHours(Schedule schedule, std::int64_t time1, std::int64_t time2) {
+    schedule.time1 = time1;
+    schedule.time2 = time2;
+    return schedule;
+}
+
+/// The hours that a change skips or repeats, and those beside them. Of a day that is skipped, some.
+std::vector<std::int64_t> hoursAround(const ClockChange& change) {
+    std::vector<std::int64_t> found;
+    const auto last = ceil<hours>(change.laterLocal()) + 1h;
+    const auto step = last - floor<hours>(change.earlierLocal()) > 12h ? 5h : 1h;
+    for (auto time = floor<hours>(change.earlierLocal()) - 1h; time <= last; time += step)
+        found.push_back((time - floor<days>(time)) / 1h);
+    return found;
+}
+
+/// A tick of each minute comes so long behind the full minute.
+seconds phaseOf(std::size_t index) {
+    constexpr seconds phases[] = {0s, 20s, 59s};
+    return phases[index % std::size(phases)];
+}
+
+class Shard : public testing::TestWithParam<std::size_t> {
+  protected:
+    /// Whether what stands at that place is this test's to take.
+    bool takes(std::size_t index) const { return index % share == 0 && index / share % shards == GetParam(); }
+};
+
+using AllZones = Shard;
+INSTANTIATE_TEST_SUITE_P(Decade, AllZones, testing::Range(std::size_t{0}, shards));
+
+TEST_P(AllZones, StartABackupAtEachFixedHourOfTenYears) {
+    const auto histories = distinctHistories(decadeStart - 48h, decadeEnd + 96h);
+    ASSERT_GT(histories.size(), 40U);
+    for (std::size_t i = 0; i < histories.size() && !HasFailure(); ++i) {
+        if (!takes(i))
+            continue;
+        const auto& zone = histories[i];
+        auto hour1 = static_cast<std::int64_t>(i % 24);
+        std::int64_t hour2 = -1;
+        if (zone.changes.size() >= 2) {
+            hour1 = hoursAround(zone.changes[0]).at(1);
+            hour2 = hoursAround(zone.changes[1]).at(1);
+        }
+        Life life(zone, withHours(schedules[i % schedules.size()], hour1, hour2), decadeStart + phaseOf(i),
+                  decadeEnd);
+        for (const auto due : life.dueInstants()) {
+            if (due < life.now() || due >= livedEnd)
+                continue;
+            life.sleepBefore(due);
+            life.tickUntil(due + 1min, Pace::TickOnly);
+        }
+    }
+}
+
+/// An example of a kind of clock change.
+struct Example {
+    const ZoneHistory* zone = nullptr;
+    ClockChange change;
+};
+
+/// The latest example of each: how far the clock is set, and at which time of the day.
+std::vector<Example> kindsOfChange(const std::vector<ZoneHistory>& histories) {
+    std::map<std::pair<seconds, microseconds>, Example> kinds;
+    for (const auto& zone : histories)
+        for (const auto& change : zone.changes) {
+            const auto local = change.at + change.before;
+            auto& kind = kinds[{change.after - change.before, local - floor<days>(local)}];
+            if (kind.zone == nullptr || kind.change.at < change.at)
+                kind = {&zone, change};
+        }
+    std::vector<Example> examples;
+    for (const auto& [key, example] : kinds)
+        examples.push_back(example);
+    return examples;
+}
+
+using EachKindOfClockChange = Shard;
+INSTANTIATE_TEST_SUITE_P(Decade, EachKindOfClockChange, testing::Range(std::size_t{0}, shards));
+
+TEST_P(EachKindOfClockChange, StartsABackupAtTheHoursAroundIt) {
+    const auto histories = distinctHistories(sys_days{1995y / January / 1}, decadeEnd);
+    const auto kinds = kindsOfChange(histories);
+    ASSERT_GT(kinds.size(), 30U);
+    for (std::size_t i = 0; i < kinds.size() && !HasFailure(); ++i) {
+        if (!takes(i))
+            continue;
+        const auto& [zone, change] = kinds[i];
+        const auto fixedHours = hoursAround(change);
+        for (std::size_t hour = 0; hour < fixedHours.size(); hour += 2)
+            for (const auto& schedule : schedules) {
+                const auto reach = &schedule == schedules.data() ? 26h : 4h;
+                Life life(*zone,
+                          withHours(schedule, fixedHours[hour],
+                                    fixedHours[std::min(hour + 1, fixedHours.size() - 1)]),
+                          change.at - reach + phaseOf(i), change.at + reach);
+                life.tickUntil(change.at + reach, Pace::TickOnly);
+            }
+    }
+}
+
+/// With the days beside the year that a life looks at.
+ZoneHistory yearOf(const std::string& zone, Date start) {
+    return historyOf(zone, start - 48h, start + days(366 + 4));
+}
+
+struct YearRow {
+    const char* zone;
+    year firstYear;
+    Schedule schedule;
+};
+
+class WholeYear : public testing::TestWithParam<YearRow> {};
+INSTANTIATE_TEST_SUITE_P(
+    Decade, WholeYear,
+    testing::Values(YearRow{"Europe/Berlin",
+                            2026y,
+                            {.interval = 60, .andOr = "or", .idleTime = 30, .time1 = 2, .time2 = 3}},
+                    YearRow{"Pacific/Apia", 2011y, {.interval = 120, .time1 = 0, .time2 = 23}}));
+
+TEST_P(WholeYear, StartsWhatIsDueAndNothingElse) {
+    const Date start = sys_days{GetParam().firstYear / January / 1} + 20s;
+    const auto zone = yearOf(GetParam().zone, start);
+    ASSERT_GE(zone.changes.size(), 2U);
+    const auto part =
+        hours(366 * 24 / std::int64_t{share}); // around the last change, where it is not the whole
+    Life life(zone, GetParam().schedule, start, start + days(366));
+    if (share > 1)
+        life.sleepBefore(zone.changes.back().at - part / 2);
+    life.tickUntil(life.now() + part, Pace::TickOnly);
+}
+
+TEST(OnTheRunLoop, WeeksAroundClockChangesGoAlike) {
+    for (const auto& [name, schedule] :
+         {std::pair("Europe/Berlin", Schedule{.interval = 45, .idleTime = 3, .time1 = 2, .time2 = 12}),
+          std::pair("America/St_Johns", Schedule{.interval = 600, .andOr = "or", .idleTime = 50, .time1 = 1}),
+          std::pair("Asia/Beirut", Schedule{.time1 = 0, .time2 = 23})}) {
+        const auto zone = yearOf(name, decadeStart);
+        ASSERT_EQ(zone.changes.size(), 2U);
+        for (const auto& change : zone.changes) {
+            const auto reach = hours(24 * 6 / std::int64_t{share});
+            Life life(zone, schedule, change.at - reach, change.at + reach);
+            life.tickUntil(change.at + reach, Pace::RunLoop);
+        }
+    }
+}
+
+} // namespace
+} // namespace orvello
