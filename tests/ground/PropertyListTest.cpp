@@ -113,6 +113,10 @@ TEST(PropertyList, EndsSoonOnHostileInput) {
     EXPECT_TRUE(parse(nested(maximumDepth - 1)));
     EXPECT_FALSE(parse(nested(maximumDepth)));
     EXPECT_FALSE(parse(nested(1'000'000)));
+    constexpr std::size_t large = 64 * 1024 * 1024;
+    EXPECT_FALSE(parse(std::string(large, ' ')));
+    EXPECT_FALSE(parse(document("<string>" + std::string(large, 'a') + "</string><true/>")));
+    EXPECT_FALSE(parse(document("<" + std::string(large, 'a') + "/>")));
     std::string bomb = "<!DOCTYPE plist [<!ENTITY a0 'aaaaaaaaaa'>";
     for (int i = 1; i < 30; ++i) {
         bomb += "<!ENTITY a" + std::to_string(i) + " '";
