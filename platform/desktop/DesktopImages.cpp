@@ -3,9 +3,9 @@
 #include <QFile>
 #include <QHash>
 #include <QIconEngine>
+#include <QImageReader>
 #include <QPainter>
 #include <QPixmap>
-#include <QSvgRenderer>
 
 #include <algorithm>
 #include <cmath>
@@ -15,19 +15,22 @@ namespace orvello {
 
 namespace {
 
-QImage draw(const QString& name, int pixels) {
-    const QString path = QStringLiteral(":/icons/%1.svg").arg(name);
-    if (!QFile::exists(path))
+/// What the build has drawn at that size; null where it has not.
+QImage drawnBefore(const QString& name, int pixels) {
+    QFile file(QStringLiteral(":/icons/%1-%2.rgba").arg(name).arg(pixels));
+    if (!file.open(QIODevice::ReadOnly))
         return {};
-    QSvgRenderer renderer(path);
-    if (!renderer.isValid())
+    QImage image(pixels, pixels, QImage::Format_RGBA8888_Premultiplied);
+    if (file.read(reinterpret_cast<char*>(image.bits()), image.sizeInBytes()) != image.sizeInBytes())
         return {};
-    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
-    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    renderer.render(&painter);
-    return image;
+    return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+/// Has Qt's plugin for SVG draw, which so is loaded only when it is needed.
+QImage drawNow(const QString& name, int pixels) {
+    QImageReader reader(QStringLiteral(":/icons/%1.svg").arg(name), "svg");
+    reader.setScaledSize({pixels, pixels});
+    return reader.read();
 }
 
 } // namespace
@@ -37,8 +40,10 @@ class DesktopImages::Cache {
     QImage image(const QString& name, int pixels) {
         const auto key = std::pair(name, pixels);
         auto found = images_.find(key);
-        if (found == images_.end())
-            found = images_.insert(key, draw(name, pixels));
+        if (found == images_.end()) {
+            const QImage drawn = drawnBefore(name, pixels);
+            found = images_.insert(key, drawn.isNull() ? drawNow(name, pixels) : drawn);
+        }
         return *found;
     }
 

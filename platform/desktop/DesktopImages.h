@@ -8,7 +8,8 @@
 
 namespace orvello {
 
-/// The program's named images, from the resources ":/icons/<name>.svg". Each is drawn once per size and kept.
+/// The program's named images, from the resources ":/icons/<name>.svg". Each is drawn once per size, by the
+/// build where ":/icons/<name>-<pixels>.rgba" is there, and kept.
 class DesktopImages {
   public:
     DesktopImages();

@@ -1,6 +1,8 @@
 #include "platform/desktop/DesktopImages.h"
 #include "platform/desktop/linux/StatusNotifierTypes.h"
 
+#include <QDir>
+#include <QImageReader>
 #include <QPainter>
 
 #include <gtest/gtest.h>
@@ -10,13 +12,22 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-TEST(DesktopImages, AreDrawnInTheSizeAskedFor) {
+TEST(DesktopImages, AreTheDrawingsInTheSizeAskedFor) {
     const DesktopImages images;
-    for (const auto& name :
-         {u"TMRotatingArrow"_s, u"TMRotatingArrowAlternate"_s, u"TMBackingUp"_s, u"TMBackingUpAlternate"_s}) {
-        const QImage image = images.image(name, 22);
-        EXPECT_EQ(image.size(), QSize(22, 22)) << name.toStdString();
-        EXPECT_EQ(images.image(name, 22).cacheKey(), image.cacheKey()) << "drawn once";
+    const auto files = QDir(u":/icons"_s).entryInfoList({u"*.svg"_s});
+    ASSERT_FALSE(files.isEmpty());
+    for (const auto& file : files) {
+        for (const int side :
+             {16, 17, 22, 24, 32, 44, 48, 64}) { // all but 17 drawn by the build for the tray
+            QImageReader drawing(file.filePath());
+            drawing.setScaledSize({side, side});
+            const QImage expected = drawing.read();
+            const QImage image = images.image(file.completeBaseName(), side);
+            EXPECT_EQ(image.size(), QSize(side, side)) << file.fileName().toStdString();
+            EXPECT_EQ(image, expected) << file.fileName().toStdString() << " " << side;
+            EXPECT_EQ(images.image(file.completeBaseName(), side).cacheKey(), image.cacheKey())
+                << "drawn once";
+        }
     }
     EXPECT_TRUE(images.image(u"NoSuchImage"_s, 22).isNull());
 }
