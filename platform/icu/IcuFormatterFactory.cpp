@@ -3,6 +3,8 @@
 #include "platform/icu/IcuByteCountFormatter.h"
 #include "platform/icu/IcuDateFormatters.h"
 
+#include <unicode/timezone.h>
+
 #include <utility>
 
 namespace orvello {
@@ -38,7 +40,11 @@ IcuFormatterFactory::IcuFormatterFactory(std::string timeLocale, std::string num
     : timeLocale_(std::move(timeLocale))
     , numberLocale_(std::move(numberLocale))
     , zone_(zone)
-    , clock_(clock) {}
+    , clock_(clock) {
+    // The zone that a new format of ICU's begins with, until it is given another. Without a default ICU would
+    // look for the system's, where need be by comparing /etc/localtime with all zone files.
+    icu::TimeZone::adoptDefault(icu::TimeZone::getGMT()->clone());
+}
 
 std::unique_ptr<DateFormatter> IcuFormatterFactory::makeTimeFormatter() const {
     if (!time_)
