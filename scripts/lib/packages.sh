@@ -55,6 +55,15 @@ packages_bench=(
     libplist-dev
 )
 
+# Programs of other makers to measure Orvello beside.
+packages_peers=(
+    borgbackup
+    deja-dup
+    kup-backup
+    libglib2.0-bin
+    vorta
+)
+
 packages_format=(
     clang-format
     git
