@@ -30,6 +30,19 @@ build_preset() {
     fi
 }
 
+# The path as a file URL.
+file_url() {
+    local LC_ALL=C path=$1 url=file:// i character
+    for ((i = 0; i < ${#path}; i++)); do
+        character=${path:i:1}
+        case $character in
+        [a-zA-Z0-9/._~-]) url+=$character ;;
+        *) printf -v url '%s%%%02X' "$url" "'$character" ;;
+        esac
+    done
+    printf '%s\n' "$url"
+}
+
 # The project's own sources, as paths from its folder: C++ files that git tracks or would track.
 list_sources() {
     git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h' | while IFS= read -r file; do
