@@ -2,7 +2,6 @@
 
 #include "platform/Log.h"
 
-#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
@@ -24,14 +23,11 @@ QUrl ProductSite::page(const QString& path) const {
     return {};
 }
 
-ProductSite ProductSite::ofProgram() {
-    ProductSite site{.host = QStringLiteral(ORVELLO_WEB_HOST), .copies = {}};
-    const auto program = QCoreApplication::applicationDirPath();
-    site.copies.append(QDir(program).filePath(QStringLiteral(ORVELLO_SITE_FROM_PROGRAM)));
-    const auto buildFolder = QStringLiteral(ORVELLO_BUILD_FOLDER "/");
-    if ((program + QLatin1Char('/')).startsWith(buildFolder))
-        site.copies.append(QStringLiteral(ORVELLO_SITE_SOURCE));
-    return site;
+ProductSite ProductSite::ofProgram(const QString& folder) {
+    const QDir program(folder);
+    return {.host = QStringLiteral(ORVELLO_WEB_HOST),
+            .copies = {program.filePath(QStringLiteral(ORVELLO_SITE_FROM_PROGRAM)),
+                       program.filePath(QStringLiteral("site"))}}; // the last one in the folder of a build
 }
 
 DesktopWorkspace::DesktopWorkspace(Log& log, ProductSite site)

@@ -2,6 +2,7 @@
 
 #include "platform/Workspace.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
@@ -19,8 +20,8 @@ struct ProductSite {
     /// that has one. Empty when it is nowhere.
     QUrl page(const QString& path) const;
 
-    /// The host that the program was built for and the copies that belong to the running program.
-    static ProductSite ofProgram();
+    /// The host that the program was built for and the copies that belong to a program in `folder`.
+    static ProductSite ofProgram(const QString& folder = QCoreApplication::applicationDirPath());
 };
 
 /// Opens pages and applications the way the desktop does.
