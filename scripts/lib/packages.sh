@@ -50,6 +50,25 @@ packages_display=(
     xvfb
 )
 
+# What makes Debian packages, and what scripts/check-packages judges them with besides.
+packages_package=(
+    debhelper
+    dpkg-dev
+    git
+)
+
+packages_check_packages=(
+    appstream
+    dbus
+    debootstrap
+    desktop-file-utils
+    devscripts
+    fonts-dejavu-core
+    lintian
+    xdotool
+    xvfb
+)
+
 packages_bench=(
     libbenchmark-dev
     libplist-dev
