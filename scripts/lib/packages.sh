@@ -19,13 +19,16 @@ packages_build=(
 )
 
 packages_test=(
+    appstream
     ccache
     clang
     dbus
+    desktop-file-utils
     fonts-dejavu-core
     libclang-rt-dev
     libgmock-dev
     libgtest-dev
+    man-db
     mandoc
     python3
     xdotool
@@ -58,10 +61,8 @@ packages_package=(
 )
 
 packages_check_packages=(
-    appstream
     dbus
     debootstrap
-    desktop-file-utils
     devscripts
     fonts-dejavu-core
     lintian
