@@ -16,6 +16,11 @@ UserDefaults::UserDefaults(SettingsStorage& storage, RunLoop& runLoop, Log& log)
     , log_(log)
     , persistent_(readStorage().value_or(plist::Dictionary())) {}
 
+UserDefaults::~UserDefaults() {
+    if (retry_)
+        retry_->invalidate();
+}
+
 void UserDefaults::registerDefaults(plist::Dictionary defaults) {
     registered_ = std::move(defaults);
 }
@@ -67,8 +72,18 @@ void UserDefaults::removeObject(std::string_view key) {
 }
 
 void UserDefaults::synchronize() {
+    if (save()) {
+        if (const auto retry = std::exchange(retry_, nullptr))
+            retry->invalidate();
+    } else if (!retry_) {
+        retry_ = runLoop_.makeTimer(std::chrono::seconds(10), [this] { synchronize(); });
+        runLoop_.addTimer(retry_, RunLoopMode::Common);
+    }
+}
+
+bool UserDefaults::save() {
     if (changed_.empty())
-        return;
+        return true;
     const auto stored = readStorage();
     if (stored) {
         auto merged = *stored;
@@ -81,11 +96,15 @@ void UserDefaults::synchronize() {
     }
     const bool differs = stored.value_or(plist::Dictionary()) != persistent_;
     if (differs && obstructed_)
-        return;
-    if (const auto problem = differs ? storage_.replace(plist::serialize(persistent_)) : ""; !problem.empty())
-        return logFailure(fmt::format("The settings could not be saved in {}: {}", storage_.name(), problem));
+        return false;
+    if (const auto problem = differs ? storage_.replace(plist::serialize(persistent_)) : "";
+        !problem.empty()) {
+        logFailure(fmt::format("The settings could not be saved in {}: {}", storage_.name(), problem));
+        return false;
+    }
     changed_.clear();
     failureLogged_ = false;
+    return true;
 }
 
 const plist::Value* UserDefaults::find(std::string_view key) const {

@@ -4,6 +4,7 @@
 #include "platform/plist/Value.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,6 +14,7 @@ namespace orvello {
 
 class Log;
 class RunLoop;
+class Timer;
 
 /// Where the persistent layer of the user's defaults lives; one property list as bytes.
 class SettingsStorage {
@@ -47,6 +49,7 @@ class UserDefaults {
     /// and the persistent layer starts empty; empty content counts as none. Storage, loop and log outlive the
     /// defaults.
     UserDefaults(SettingsStorage& storage, RunLoop& runLoop, Log& log);
+    ~UserDefaults();
     UserDefaults(const UserDefaults&) = delete;
     UserDefaults& operator=(const UserDefaults&) = delete;
 
@@ -70,13 +73,15 @@ class UserDefaults {
     void removeObject(std::string_view key);
 
     /// Saves what has changed, now. A failure is logged, once until a save succeeds, and the change is tried
-    /// again with the next save.
+    /// again with the next save, at the latest ten seconds later.
     void synchronize();
 
   private:
     const plist::Value* find(std::string_view key) const;
     std::optional<plist::Dictionary> readStorage();
     void scheduleSave(std::string_view key);
+    /// Saves what has changed; whether all of it is in the storage.
+    bool save();
     void logFailure(const std::string& text);
 
     SettingsStorage& storage_;
@@ -88,6 +93,7 @@ class UserDefaults {
     plist::Dictionary registered_;
     plist::Dictionary persistent_;
     std::set<std::string, std::less<>> changed_;
+    std::shared_ptr<Timer> retry_; ///< While what has changed could not be saved.
 };
 
 } // namespace orvello

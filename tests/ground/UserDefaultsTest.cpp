@@ -135,6 +135,16 @@ TEST_F(UserDefaultsTest, LogAFailureOnceAndTryAgain) {
     disk->writeProblem = "disk full again";
     set("a", 5);
     EXPECT_EQ(logged(), 2U);
+
+    // Without another change, too.
+    machine->advance(std::chrono::seconds(30));
+    EXPECT_EQ(logged(), 2U);
+    disk->writeProblem.clear();
+    machine->advance(std::chrono::seconds(10));
+    EXPECT_EQ(held(), (Dictionary{{"a", 5}, {"b", 1}}));
+    hold({});
+    machine->advance(std::chrono::seconds(30));
+    EXPECT_EQ(held(), Dictionary()) << "nothing is left to save";
 }
 
 TEST_F(UserDefaultsTest, LeaveAloneWhatCannotBeSetAside) {
