@@ -18,6 +18,8 @@ struct UserTask {
     std::chrono::milliseconds timeLimit{0};
     /// The largest output that is accepted, in bytes.
     std::size_t outputLimit = 0;
+    /// Whether a run under way goes on when the program ends; else it is ended with the program.
+    bool outlivesProgram = false;
 };
 
 class UserTaskRunner {

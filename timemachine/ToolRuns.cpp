@@ -14,9 +14,9 @@ UserTask toolRun(const std::string& path, ToolVerb verb) {
     case ToolVerb::DestinationInfo:
         return {path, {"destinationinfo", "-X"}, false, 10s, outputLimit};
     case ToolVerb::StartBackup:
-        return {path, {"startbackup"}, true, 20s, outputLimit};
+        return {path, {"startbackup"}, true, 20s, outputLimit, true};
     case ToolVerb::StopBackup:
-        return {path, {"stopbackup"}, true, 20s, outputLimit};
+        return {path, {"stopbackup"}, true, 20s, outputLimit, true};
     }
     return {};
 }

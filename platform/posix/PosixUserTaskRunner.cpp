@@ -171,7 +171,7 @@ std::string PosixUserTaskRunner::run(const UserTask& task) {
 
     std::string output;
     const End end = readOutput(readingEnd.get(), giveUp_, deadline, task.outputLimit, output);
-    if (end == End::GivenUp) {
+    if (end == End::GivenUp && task.outlivesProgram) {
         unreaped_.insert(child);
         return {};
     }
@@ -185,6 +185,8 @@ std::string PosixUserTaskRunner::run(const UserTask& task) {
     constexpr milliseconds patience(500);
     if (!reap(child, deadlineAfter(patience)))
         unreaped_.insert(child);
+    if (end == End::GivenUp)
+        return {};
     const auto seconds = std::chrono::duration<double>(task.timeLimit).count();
     if (end == End::OutputLimit)
         failed(task, fmt::format("gave more than {} bytes of output and was ended", task.outputLimit));

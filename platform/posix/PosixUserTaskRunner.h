@@ -22,8 +22,9 @@ class PosixUserTaskRunner : public UserTaskRunner {
 
     std::string run(const UserTask& task) override;
 
-    /// From when this descriptor can be read, runs are given up at once with empty output, the tool left to
-    /// itself: the program has been told to end and must not wait for a tool that hangs. -1 for none.
+    /// From when this descriptor can be read, runs are given up at once with empty output: the program has
+    /// been told to end and must not wait for a tool that hangs. The tool is ended, or left to itself if it
+    /// outlives the program. -1 for none.
     void giveUpOn(int descriptor) { giveUp_ = descriptor; }
 
   private:

@@ -184,15 +184,19 @@ TEST_F(UserTaskTest, WorksWithStandardDescriptorsClosed) {
                 << closed << join;
 }
 
-TEST_F(UserTaskTest, IsGivenUpAndLeftAloneWhenTheProgramIsToldToEnd) {
+TEST_F(UserTaskTest, IsGivenUpWhenTheProgramIsToldToEnd) {
     std::array<int, 2> ends{};
     ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
     runner.giveUpOn(ends[0]);
     EXPECT_EQ(run(task(tool("echo fine"))), "fine\n") << "nothing has been said yet";
     ASSERT_EQ(::write(ends[1], "x", 1), 1);
-    // The tool is left running, so it can still be seen to finish its work.
-    EXPECT_EQ(run(task(tool("exec >&-; exec 2>&-; sleep 0.3; echo done > finished"))), "");
+    auto startsBackup = task(tool("exec >&-; exec 2>&-; sleep 0.3; echo done > finished"));
+    startsBackup.outlivesProgram = true;
+    EXPECT_EQ(run(startsBackup), "");
     EXPECT_TRUE(eventually([&] { return readFile(folder / "finished") == "done\n"; }));
+    EXPECT_EQ(run(task(tool("exec sleep 1000"))), "");
+    EXPECT_TRUE(eventually([] { return ::waitpid(-1, nullptr, WNOHANG) == -1; })) << "no child is left";
+    EXPECT_TRUE(log.lines.empty());
     runner.giveUpOn(-1);
     EXPECT_EQ(run(task(tool("echo again"))), "again\n");
     ::close(ends[0]);
