@@ -31,9 +31,8 @@ TerminationSignals::TerminationSignals(std::function<void()> handler) {
     notifier_ = std::make_unique<QSocketNotifier>(readEnd_, QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
                      [this, handler = std::move(handler)] {
-                         std::array<char, 16> bytes{};
-                         while (read(readEnd_, bytes.data(), bytes.size()) > 0) {
-                         }
+                         // Nothing is read: whoever asks the descriptor later on learns of the signal, too.
+                         notifier_->setEnabled(false);
                          handler();
                      });
     for (const int signal : terminationSignals) {

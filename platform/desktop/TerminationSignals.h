@@ -7,9 +7,9 @@
 
 namespace orvello {
 
-/// Turns the signals that ask a program to end (SIGTERM, SIGINT, SIGHUP) into a call from the event loop. A
-/// signal that the program was started to ignore stays ignored. A second signal of the same kind ends the
-/// process at once, so that a busy main thread cannot hold it. At most one object exists at a time.
+/// Turns the first signal that asks the program to end (SIGTERM, SIGINT, SIGHUP) into a call from the event
+/// loop. A signal that the program was started to ignore stays ignored. A second signal of the same kind ends
+/// the process at once, so that a busy main thread cannot hold it. At most one object exists at a time.
 class TerminationSignals {
   public:
     explicit TerminationSignals(std::function<void()> handler);
@@ -17,7 +17,7 @@ class TerminationSignals {
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;
 
-    /// Readable from when a signal has come until the handler is called; -1 for none.
+    /// Readable for good from when a signal has come; -1 for none.
     int descriptor() const { return readEnd_; }
 
   private:
