@@ -77,10 +77,10 @@ int spawn(const UserTask& task, int outputPipe, pid_t& child) {
                          environ);
 }
 
-enum class Wait { Ready, Deadline, GivenUp };
+constexpr int nothing = -1; ///< The descriptor that is never readable.
 
-/// Waits until the descriptor can be read. Given up as soon as the other one can be, which may be none, -1.
-Wait waitFor(int descriptor, int giveUp, Clock::time_point deadline) {
+/// Waits until the descriptor can be read; false when the deadline comes first or the other one can be.
+bool waitFor(int descriptor, int giveUp, Clock::time_point deadline) {
     for (;;) {
         const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
         constexpr milliseconds longest = std::chrono::hours(1);
@@ -88,20 +88,25 @@ Wait waitFor(int descriptor, int giveUp, Clock::time_point deadline) {
         const int ready = ::poll(entries.data(), entries.size(),
                                  static_cast<int>(std::clamp(left, milliseconds(0), longest).count()));
         if (ready > 0)
-            return entries[1].revents != 0 ? Wait::GivenUp : Wait::Ready;
+            return entries[1].revents == 0;
         if (left <= milliseconds(0))
-            return Wait::Deadline;
+            return false;
     }
 }
 
-enum class End { OfOutput, TimeLimit, OutputLimit, GivenUp };
+bool isReadable(int descriptor) {
+    pollfd entry{descriptor, POLLIN, 0};
+    return ::poll(&entry, 1, 0) > 0;
+}
 
-/// Reads until the output ends or a limit is reached.
+enum class End { OfOutput, TimeLimit, OutputLimit };
+
+/// Reads until the output ends or a limit is reached. Being given up is a time limit, too.
 End readOutput(int pipe, int giveUp, Clock::time_point deadline, std::size_t limit, std::string& output) {
     std::array<char, 64 * 1024> buffer; // NOLINT: read fills it
     for (;;) {
-        if (const auto wait = waitFor(pipe, giveUp, deadline); wait != Wait::Ready)
-            return wait == Wait::GivenUp ? End::GivenUp : End::TimeLimit;
+        if (!waitFor(pipe, giveUp, deadline))
+            return End::TimeLimit;
         const auto count = ::read(pipe, buffer.data(), buffer.size());
         if (count < 0 && errno == EINTR)
             continue;
@@ -122,18 +127,17 @@ bool hasEnded(pid_t child) {
     return result == child || (result < 0 && errno == ECHILD);
 }
 
-/// Waits for the child's end and reaps it; false when the deadline comes first.
-bool reap(pid_t child, Clock::time_point deadline) {
+/// Waits for the child's end and reaps it; false when the deadline comes first or the descriptor can be read.
+bool reap(pid_t child, int giveUp, Clock::time_point deadline) {
     if (hasEnded(child)) // as a rule, the end of the output is that of the tool
         return true;
     const Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
-    constexpr int none = -1;
     constexpr milliseconds pause(5); // where the system has no descriptors of processes
     while (!hasEnded(child)) {
-        if (Clock::now() >= deadline)
+        if (Clock::now() >= deadline || isReadable(giveUp))
             return false;
         if (process)
-            waitFor(process.get(), none, deadline);
+            waitFor(process.get(), giveUp, deadline);
         else
             ::poll(nullptr, 0, static_cast<int>(pause.count()));
     }
@@ -171,21 +175,22 @@ std::string PosixUserTaskRunner::run(const UserTask& task) {
 
     std::string output;
     const End end = readOutput(readingEnd.get(), giveUp_, deadline, task.outputLimit, output);
-    if (end == End::GivenUp && task.outlivesProgram) {
-        unreaped_.insert(child);
-        return {};
-    }
-    if (end == End::OfOutput && reap(child, deadline)) {
+    if (end == End::OfOutput && reap(child, giveUp_, deadline)) {
         if (!failing_.empty())
             failing_.erase(commandLine(task));
         return output;
     }
 
+    const bool givenUp = isReadable(giveUp_);
+    if (givenUp && task.outlivesProgram) {
+        unreaped_.insert(child);
+        return {};
+    }
     killProcessTree(child, readingEnd.get());
     constexpr milliseconds patience(500);
-    if (!reap(child, deadlineAfter(patience)))
+    if (!reap(child, nothing, deadlineAfter(patience)))
         unreaped_.insert(child);
-    if (end == End::GivenUp)
+    if (givenUp)
         return {};
     const auto seconds = std::chrono::duration<double>(task.timeLimit).count();
     if (end == End::OutputLimit)

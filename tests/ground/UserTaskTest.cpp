@@ -195,6 +195,7 @@ TEST_F(UserTaskTest, IsGivenUpWhenTheProgramIsToldToEnd) {
     EXPECT_EQ(run(startsBackup), "");
     EXPECT_TRUE(eventually([&] { return readFile(folder / "finished") == "done\n"; }));
     EXPECT_EQ(run(task(tool("exec sleep 1000"))), "");
+    EXPECT_EQ(run(task(tool("exec >&- 2>&- sleep 1000"))), "");
     EXPECT_TRUE(eventually([] { return ::waitpid(-1, nullptr, WNOHANG) == -1; })) << "no child is left";
     EXPECT_TRUE(log.lines.empty());
     runner.giveUpOn(-1);
