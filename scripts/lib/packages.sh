@@ -26,11 +26,13 @@ packages_test=(
     desktop-file-utils
     fonts-dejavu-core
     libclang-rt-dev
+    libfaketime
     libgmock-dev
     libgtest-dev
     man-db
     mandoc
     python3
+    python3-gi
     xdotool
     xvfb
 )
