@@ -15,14 +15,30 @@ using Json = nlohmann::json;
 /// Nested deeper than restic's answers ever are; what reads them must not be led deeper.
 constexpr int maximumDepth = 32;
 
+/// Looked at beforehand: a callback of the parser's would make it look through all of a list after each
+/// element.
+bool isTooDeep(std::string_view text) {
+    int depth = 0;
+    bool inString = false;
+    for (std::size_t i = 0; i < text.size() && depth <= maximumDepth; ++i) {
+        const char character = text[i];
+        if (character == '"')
+            inString = !inString;
+        else if (inString)
+            i += character == '\\' ? 1 : 0;
+        else if (character == '[' || character == '{')
+            ++depth;
+        else if (character == ']' || character == '}')
+            --depth;
+    }
+    return depth > maximumDepth;
+}
+
 Json parse(std::string_view text) {
-    bool tooDeep = false;
-    const auto keep = [&tooDeep](int depth, Json::parse_event_t /*event*/, const Json& /*parsed*/) {
-        tooDeep = tooDeep || depth > maximumDepth;
-        return !tooDeep;
-    };
-    auto json = Json::parse(text, keep, false);
-    return tooDeep || json.is_discarded() ? Json() : json;
+    if (isTooDeep(text))
+        return {};
+    auto json = Json::parse(text, nullptr, false);
+    return json.is_discarded() ? Json() : json;
 }
 
 std::int64_t count(const Json& object, const char* key) {
