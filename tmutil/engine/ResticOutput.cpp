@@ -91,13 +91,13 @@ std::optional<Snapshot> readSnapshot(const Json& object) {
     return snapshot;
 }
 
+constexpr std::string_view decimals = "0123456789";
+
 /// Takes digits off the front, exactly as many as there are to be, and what follows them if that is given.
 bool takeNumber(std::string_view& rest, std::size_t digits, char behind, int& number) {
-    if (rest.size() < digits)
+    if (rest.size() < digits || rest.find_first_not_of(decimals) < digits)
         return false;
-    const auto [end, error] = std::from_chars(rest.data(), rest.data() + digits, number);
-    if (error != std::errc() || end != rest.data() + digits || number < 0)
-        return false;
+    std::from_chars(rest.data(), rest.data() + digits, number);
     rest.remove_prefix(digits);
     if (behind == '\0')
         return true;
@@ -116,7 +116,8 @@ std::optional<std::chrono::minutes> readOffset(std::string_view rest) {
     rest.remove_prefix(1);
     int hours = 0;
     int minutes = 0;
-    if (!takeNumber(rest, 2, ':', hours) || !takeNumber(rest, 2, '\0', minutes) || !rest.empty())
+    if (!takeNumber(rest, 2, ':', hours) || !takeNumber(rest, 2, '\0', minutes) || !rest.empty() ||
+        hours > 23 || minutes > 59)
         return std::nullopt;
     return sign * (std::chrono::hours(hours) + std::chrono::minutes(minutes));
 }
@@ -187,7 +188,9 @@ std::optional<ZonedTime> readTime(std::string_view rest) {
         return std::nullopt;
     std::chrono::microseconds fraction(0);
     if (!rest.empty() && rest.front() == '.') {
-        const auto end = std::min(rest.find_first_not_of("0123456789", 1), rest.size());
+        const auto end = std::min(rest.find_first_not_of(decimals, 1), rest.size());
+        if (end == 1)
+            return std::nullopt;
         std::string digits(rest.substr(1, end - 1));
         digits.resize(6, '0');
         fraction = std::chrono::microseconds(std::stol(digits));
