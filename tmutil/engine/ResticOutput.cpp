@@ -126,6 +126,13 @@ bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
 
+/// What a line of standard error says: with --json some of them, such as "exit_error", are objects.
+std::string messageOf(std::string_view line) {
+    const auto object = line.starts_with('{') ? parse(line) : Json();
+    auto message = object.is_object() ? text(object, "message") : std::string();
+    return message.empty() ? std::string(line) : message;
+}
+
 template <class Taker> void eachLine(std::string_view text, Taker take) {
     while (!text.empty()) {
         const auto end = text.find('\n');
@@ -225,16 +232,19 @@ Refusal readRefusal(int status, std::string_view errors) {
 
 std::string readReason(std::string_view errors) {
     constexpr std::string_view fatal = "Fatal: ";
-    std::string_view last;
-    std::string_view lastFatal;
+    std::string last;
+    std::string lastFatal;
     eachLine(errors, [&](std::string_view line) {
-        if (line.find_first_not_of(" \t\r") != std::string_view::npos)
-            last = line;
-        if (const auto found = line.find(fatal); found != std::string_view::npos)
-            lastFatal = line.substr(found + fatal.size());
+        if (line.find_first_not_of(" \t\r") == std::string_view::npos)
+            return;
+        last = messageOf(line);
+        if (const auto found = last.find(fatal); found != std::string::npos)
+            lastFatal = last.substr(found + fatal.size());
     });
+    // A message of an object may have several lines.
+    const auto& reason = lastFatal.empty() ? last : lastFatal;
     constexpr std::size_t longest = 500;
-    return std::string((lastFatal.empty() ? last : lastFatal).substr(0, longest));
+    return reason.substr(0, std::min(reason.find('\n'), longest));
 }
 
 } // namespace orvello::tmutil
