@@ -97,7 +97,7 @@ plist::Dictionary statusAnswer(const Folders& folders) {
         return idleAnswer(folders);
     const auto state = PropertyListFile(folders.runtime + stateName).read();
     // One that was killed leaves its last words behind.
-    if (state && plist::integerValue(plist::find(*state, "ProcessID")) == *holder)
+    if (state && *holder > 0 && plist::integerValue(plist::find(*state, "ProcessID")) == *holder)
         return *state;
     return {{"ClientID", client},
             {"BackupPhase", "Starting"},
