@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 
 namespace orvello::tmutil {
 
@@ -42,10 +43,13 @@ std::optional<BackupItem> findBackupItem(const std::string& text, const std::vec
         if (!text.starts_with(names[i]))
             continue;
         auto path = text.substr(names[i].size());
+        if (!path.empty() && path.front() != '/')
+            continue;
+        // It becomes the end of a path outside the backup, which ".." must not lead elsewhere.
+        path = std::filesystem::path(path).lexically_normal();
         while (path.ends_with('/'))
             path.pop_back();
-        if (path.empty() || path.front() == '/')
-            return BackupItem{i, std::move(path)};
+        return BackupItem{i, std::move(path)};
     }
     return std::nullopt;
 }

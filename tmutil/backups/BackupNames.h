@@ -18,7 +18,7 @@ std::vector<std::string> backupNames(const std::string& destination, const std::
 /// An item in a backup, as the user names it: BACKUP/PATH.
 struct BackupItem {
     std::size_t backup = 0; ///< its position in the names
-    std::string path;       ///< absolute, as it was when it was backed up; empty for the whole backup
+    std::string path; ///< absolute, without ".", ".." and a slash at its end; empty for the whole backup
 };
 
 /// The item that the text means; none when no backup has such a name.
