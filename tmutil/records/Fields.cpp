@@ -15,10 +15,25 @@ std::string textOf(const plist::Value* value) {
     return data != nullptr ? data->bytes : std::string();
 }
 
+/// Whether a string element holds the text as it is: UTF-8 without the characters that XML forbids.
+bool fitsString(std::string_view text) {
+    while (!text.empty()) {
+        const auto character = firstCharacter(text);
+        if (!character)
+            return false;
+        const auto code = character->code;
+        const bool isSpace = code == '\t' || code == '\n' || code == '\r';
+        if ((code < 0x20 && !isSpace) || code == 0xFFFE || code == 0xFFFF)
+            return false;
+        text.remove_prefix(character->length);
+    }
+    return true;
+}
+
 } // namespace
 
 plist::Value pathValue(const std::string& path) {
-    return isUtf8(path) ? plist::Value(path) : plist::Value(plist::Data{path});
+    return fitsString(path) ? plist::Value(path) : plist::Value(plist::Data{path});
 }
 
 plist::Array pathValues(const std::vector<std::string>& paths) {

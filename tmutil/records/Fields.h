@@ -10,8 +10,8 @@
 
 namespace orvello::tmutil {
 
-/// Texts and paths as fields of a property list. A path need not be UTF-8, which a string element must be;
-/// one that is not is kept as a data element.
+/// Texts and paths as fields of a property list. A path that a string element cannot hold, as it is not UTF-8
+/// or has control characters, is kept as a data element.
 plist::Value pathValue(const std::string& path);
 plist::Array pathValues(const std::vector<std::string>& paths);
 
