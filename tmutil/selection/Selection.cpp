@@ -56,7 +56,7 @@ Selection selectionOf(const Configuration& configuration, const Folders& folders
             excluded.push_back(
                 repositoryIn(presentFolder(destination).value_or(destination.location), destination));
     for (const auto& path : excluded)
-        selection.excluded.push_back(resolvedParent(path));
+        selection.excluded.push_back(resolvedParent(absolutePath(path)));
     selection.patterns = {
         ".Trash-" + std::to_string(::getuid()), // on other volumes, see the Trash specification
         patternFor(canonical(folders.home)) + "/.var/app/*/cache", // of sandboxed programs
@@ -87,10 +87,11 @@ std::string patternFor(std::string_view path) {
 
 std::string absolutePath(const std::string& path) {
     std::error_code error;
-    auto absolute = fs::absolute(path, error).lexically_normal();
-    if (!absolute.has_filename() && absolute.has_relative_path())
-        absolute = absolute.parent_path(); // "folder/" means the folder
-    return absolute.string();
+    const auto absolute = fs::absolute(path, error).lexically_normal();
+    if (!absolute.has_relative_path())
+        return absolute.root_directory().string(); // "//" is the root as well
+    // "folder/" means the folder
+    return (absolute.has_filename() ? absolute : absolute.parent_path()).string();
 }
 
 std::string resolvedParent(const std::string& path) {
