@@ -11,6 +11,7 @@
 #include "tmutil/engine/Keys.h"
 #include "tmutil/engine/Restic.h"
 #include "tmutil/records/Bookkeeping.h"
+#include "tmutil/records/Fields.h"
 #include "tmutil/records/History.h"
 #include "tmutil/selection/Selection.h"
 
@@ -291,7 +292,7 @@ void BackupRun::showState() const {
     if (!chosen_.destination.id.empty())
         state.emplace("DestinationID", chosen_.destination.id);
     if (!chosen_.folder.empty())
-        state.emplace("DestinationMountPoint", chosen_.folder);
+        state.emplace("DestinationMountPoint", pathValue(chosen_.folder));
     writeRunState(folders_, state);
 }
 
