@@ -16,7 +16,7 @@ struct Command {
 
 /// How a program ended.
 struct Ended {
-    int status = -1;      ///< its exit status; -1 when it could not be started or a signal ended it
+    int status = -1;      ///< its exit status; 127 when it could not be executed, -1 when a signal ended it
     std::string output;   ///< its standard output, unless lines were asked for; at most outputLimit
     std::string errors;   ///< the end of its standard error, and what kept it from being started
     bool stopped = false; ///< it was asked to stop while it ran
