@@ -102,12 +102,12 @@ class Opening {
         const auto ended = engine(*file).run({"init"});
         if (ended.status == 0) {
             auto attempt = tryKey(*file);
-            if (!attempt.repositoryId.empty()) {
-                auto opened = adopt(*file, attempt.repositoryId);
-                if (opened)
-                    opened->isNew = true;
-                return opened;
-            }
+            if (attempt.repositoryId.empty())
+                return Problem{attempt.failure}; // the key stays, as nothing else opens what was made
+            auto opened = adopt(*file, attempt.repositoryId);
+            if (opened)
+                opened->isNew = true;
+            return opened;
         }
         std::error_code error;
         if (madeFolder)

@@ -21,7 +21,8 @@ using AskPassword = std::function<std::optional<std::string>()>;
 
 /// Opens the repository at the address with one of the user's keys or the password that is asked for, or
 /// makes it where there is none. `folder` is where a repository in a folder is; empty for one in a store.
-/// What a failed attempt made is removed.
+/// What a failed attempt made is removed; a repository that was made and cannot be read at once stays, and
+/// its key with it.
 Result<OpenedRepository> openRepository(const std::string& restic, const std::string& address,
                                         const std::string& folder, const Keys& keys, const AskPassword& ask);
 
