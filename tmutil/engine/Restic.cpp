@@ -14,24 +14,30 @@ namespace orvello::tmutil {
 
 namespace {
 
-/// Variables that would lead restic elsewhere.
-constexpr std::array<std::string_view, 6> replaced{
-    "RESTIC_REPOSITORY=",    "RESTIC_REPOSITORY_FILE=",  "RESTIC_PASSWORD=",
-    "RESTIC_PASSWORD_FILE=", "RESTIC_PASSWORD_COMMAND=", "RESTIC_KEY_HINT=",
+/// Variables that would lead restic elsewhere, besides those that it is given.
+constexpr std::array<std::string_view, 4> removed{
+    "RESTIC_REPOSITORY_FILE=",
+    "RESTIC_PASSWORD=",
+    "RESTIC_PASSWORD_COMMAND=",
+    "RESTIC_KEY_HINT=",
 };
 
 std::vector<std::string> environmentFor(const Repository& repository) {
-    std::vector<std::string> environment;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string_view text(*entry);
-        if (std::none_of(replaced.begin(), replaced.end(), [&](auto name) { return text.starts_with(name); }))
-            environment.emplace_back(text);
-    }
-    environment.insert(environment.end(), repository.credentials.begin(), repository.credentials.end());
+    auto environment = repository.credentials;
     environment.push_back("RESTIC_REPOSITORY=" + repository.address);
     environment.push_back("RESTIC_PASSWORD_FILE=" + repository.keyFile);
     environment.emplace_back("RESTIC_PROGRESS_FPS=2");
     environment.emplace_back("SSH_ASKPASS_REQUIRE=never"); // nobody may be there to be asked
+    const auto given = environment;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string_view text(*entry);
+        const auto isSame = [name = text.substr(0, text.find('=') + 1)](std::string_view other) {
+            return other.starts_with(name);
+        };
+        if (std::none_of(removed.begin(), removed.end(), isSame) &&
+            std::none_of(given.begin(), given.end(), isSame))
+            environment.emplace_back(text);
+    }
     return environment;
 }
 
