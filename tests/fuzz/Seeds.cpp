@@ -39,6 +39,18 @@ int main(int count, char** arguments) {
     write(folder / "settings", "defaults", plist::serialize(getAppDefaults()));
     write(folder / "settings", "text-numbers",
           plist::serialize(plist::Dictionary{{"Time1", "14"}, {"IdleTime", 2.5}, {"AndOr", 1}}));
+    write(folder / "restic_output", "backup",
+          R"({"message_type":"status","percent_done":0,"total_files":1,"total_bytes":20})"
+          "\n"
+          R"({"message_type":"status","seconds_elapsed":1,"seconds_remaining":9,"percent_done":0.1,)"
+          R"("total_files":9,"files_done":2,"total_bytes":90,"bytes_done":9,"error_count":1})"
+          "\n"
+          R"({"message_type":"summary","data_added":5,"total_files_processed":9,)"
+          R"("total_bytes_processed":90,"snapshot_id":"0a1b2c3d"})");
+    write(folder / "restic_output", "snapshots",
+          R"([{"time":"2026-02-03T04:05:06.789+01:00","hostname":"harbour","username":"rowan",)"
+          R"("tags":["tmutil"],"id":"0a1b2c3d4e"}])");
+    write(folder / "restic_output", "errors", "Fatal: wrong password or no key found\n");
     for (const auto* name : {"status", "destination", "settings"})
         std::filesystem::copy(folder / name, folder / "property_list",
                               std::filesystem::copy_options::recursive |
