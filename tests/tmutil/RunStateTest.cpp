@@ -1,0 +1,106 @@
+#include "tmutil/backup/RunState.h"
+
+#include "tests/tmutil/Support.h"
+#include "tmutil/records/History.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+
+namespace orvello::tmutil {
+namespace {
+
+using test::utc;
+
+const plist::Dictionary idle{{"ClientID", "org.orvello.tmutil"}, {"Percent", -1.0}, {"Running", false}};
+const plist::Dictionary starting{{"ClientID", "org.orvello.tmutil"},
+                                 {"BackupPhase", "Starting"},
+                                 {"Percent", -1.0},
+                                 {"Running", true},
+                                 {"Stopping", false}};
+
+TEST(RunState, OneProcessHasTheLock) {
+    const test::User user;
+    auto first = std::make_optional<BackupLock>(user.folders);
+    BackupLock second(user.folders);
+    EXPECT_EQ(second.holder(), std::nullopt);
+    EXPECT_TRUE(first->acquire());
+    for (int i = 0; i < 2; ++i) { // neither asking nor trying, nor ending, takes it away
+        EXPECT_FALSE(BackupLock(user.folders).acquire());
+        EXPECT_EQ(BackupLock(user.folders).holder(), ::getpid());
+    }
+    first.reset();
+    EXPECT_EQ(second.holder(), std::nullopt);
+    EXPECT_TRUE(second.acquire());
+}
+
+TEST(RunState, ThereMayBeNoPlaceForTheLock) {
+    const test::User user;
+    auto folders = user.folders;
+    test::writeFile(user.path("file"), "");
+    folders.state = user.path("file") + "/state";
+    BackupLock lock(folders);
+    ASSERT_TRUE(lock.problem());
+    EXPECT_EQ(lock.problem()->text, folders.state + "/backup.lock: Not a directory.");
+    EXPECT_FALSE(lock.acquire());
+    EXPECT_EQ(lock.holder(), std::nullopt);
+}
+
+TEST(RunState, TellsWhatTheHolderSays) {
+    const test::User user;
+    const auto& folders = user.folders;
+    BackupLock lock(folders);
+    EXPECT_EQ(statusAnswer(folders), idle);
+    ASSERT_TRUE(lock.acquire());
+    EXPECT_EQ(statusAnswer(folders), starting);
+    writeRunState(folders, {{"BackupPhase", "Copying"}, {"Percent", 0.5}, {"Running", false}});
+    const auto answer = statusAnswer(folders);
+    EXPECT_EQ(*plist::find(answer, "BackupPhase"), plist::Value("Copying"));
+    EXPECT_EQ(*plist::find(answer, "Running"), plist::Value(true));
+    removeRunState(folders);
+    EXPECT_EQ(statusAnswer(folders), starting);
+    // For a moment the holder has the lock and has not said yet who it is.
+    std::filesystem::resize_file(folders.state + "/backup.lock", 0);
+    EXPECT_EQ(statusAnswer(folders), starting);
+}
+
+TEST(RunState, LastWordsOfAKilledHolderAreNotBelieved) {
+    const test::User user;
+    const auto& folders = user.folders;
+    const auto holder = test::forked([&] {
+        BackupLock lock(folders);
+        if (lock.acquire())
+            writeRunState(folders, {{"BackupPhase", "Copying"}});
+        ::pause();
+        return 0;
+    });
+    const auto copies = [&] { return plist::find(statusAnswer(folders), "ProcessID") != nullptr; };
+    EXPECT_TRUE(test::eventually(copies));
+    ::kill(holder, SIGKILL);
+    EXPECT_EQ(test::exitStatus(holder), -1);
+    EXPECT_EQ(statusAnswer(folders), idle);
+    BackupLock next(folders);
+    ASSERT_TRUE(next.acquire());
+    EXPECT_EQ(statusAnswer(folders), starting);
+}
+
+TEST(RunState, IdleAnswerTellsTheLastFailure) {
+    const test::User user;
+    History history;
+    const auto answerAfter = [&](Run::Outcome outcome) {
+        history.add({.end = utc(2026, 5, 1), .outcome = outcome, .reason = "It is away."});
+        EXPECT_FALSE(saveHistory(user.folders.state, history));
+        return statusAnswer(user.folders);
+    };
+    answerAfter(Run::Outcome::Failed);
+    auto failed = idle;
+    failed.emplace(
+        "LastFailure",
+        plist::Dictionary{{"Date", utc(2026, 5, 1)}, {"Reason", "It is away."}, {"FailuresInARow", 2}});
+    EXPECT_EQ(answerAfter(Run::Outcome::Failed), failed);
+    EXPECT_EQ(answerAfter(Run::Outcome::Completed), idle);
+}
+
+} // namespace
+} // namespace orvello::tmutil
