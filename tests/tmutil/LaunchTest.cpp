@@ -103,6 +103,7 @@ TEST(Launch, GoesOnWithoutItsCaller) {
     writing.close();
     char byte = 0;
     EXPECT_EQ(::read(reading.get(), &byte, 1), 0);
+    EXPECT_FALSE(fs::exists(survived));
     test::writeFile(callerLeft, "");
     EXPECT_TRUE(test::eventually([&] { return fs::exists(survived); }));
 }
