@@ -19,16 +19,20 @@ TEST(Progress, IsShownAsOneThatOnlyGrows) {
         double percent;
         Hint hint;
     };
-    const CopyStatus half{0, 1, 50, 100};
-    const CopyStatus complete{4, 4, 100, 100};
-    const CopyStatus more{4, 5, 100, 100};
+    const CopyStatus early{0, 1, 50, 100};
+    const CopyStatus half{0, 1, 50, 100, 0, 9s};
+    const CopyStatus complete{4, 4, 100, 100, 0, 0s};
+    const CopyStatus more{4, 5, 100, 200, 0, 3s};
     const Row rows[] = {
         {"nothing", {}, {}, -1, Looking},
         {"still looking for files", {{0, 9, 0, 900}}, {0, 9, 0, 900}, -1, Looking},
+        {"reading and looking for files", {early}, early, -1, Copying},
+        {"all found so far has been read", {{4, 4, 9, 9}, {4, 4, 9, 9}}, {4, 4, 9, 9}, -1, Copying},
         {"half of a large first file", {half}, half, 0.5, Copying},
-        {"the totals grow", {half, {2, 9, 70, 1000}}, {2, 9, 70, 1000}, 0.5, Copying},
-        {"counts run backwards", {more, half}, more, 1, Copying},
-        {"more than there is", {{7, 4, 300, 100}}, {7, 7, 300, 300}, 1, Copying},
+        {"the totals grow first", {early, {2, 9, 100, 1000, 0, 5s}}, {2, 9, 100, 1000, 0, 5s}, 0.1, Copying},
+        {"the totals grow later", {half, {2, 9, 70, 1000}}, {2, 9, 70, 1000}, 0.5, Copying},
+        {"counts run backwards", {more, half}, {4, 5, 100, 200, 0, 9s}, 0.5, Copying},
+        {"more than there is", {{7, 4, 300, 100, 0, 1s}}, {7, 7, 300, 300, 0, 1s}, 1, Copying},
         {"empty files only", {{2, 4, 0, 0}}, {2, 4, 0, 0}, -1, Copying},
         {"complete, told once", {complete}, complete, 1, Copying},
         {"complete, told twice", {complete, complete}, complete, 1, AllRead},

@@ -6,6 +6,7 @@ namespace orvello::tmutil {
 
 void Progress::take(const CopyStatus& status) {
     const auto before = shown_;
+    totalsKnown_ = totalsKnown_ || status.remaining;
     raise(status.files, status.totalFiles, status.bytes, status.totalBytes);
     shown_.errors = std::max(shown_.errors, status.errors);
     shown_.remaining = status.remaining;
@@ -28,7 +29,7 @@ void Progress::raise(std::int64_t files, std::int64_t totalFiles, std::int64_t b
     shown_.bytes = std::max(shown_.bytes, bytes);
     shown_.totalFiles = std::max({shown_.totalFiles, totalFiles, shown_.files});
     shown_.totalBytes = std::max({shown_.totalBytes, totalBytes, shown_.bytes});
-    if (copying() && shown_.totalBytes > 0)
+    if (totalsKnown_ && copying() && shown_.totalBytes > 0)
         percent_ =
             std::max(percent_, static_cast<double>(shown_.bytes) / static_cast<double>(shown_.totalBytes));
 }

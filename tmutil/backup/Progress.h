@@ -14,9 +14,9 @@ class Progress {
 
     /// Whether the first data has been read.
     bool copying() const { return shown_.files > 0 || shown_.bytes > 0; }
-    /// Whether all that was found has been read, which two reports in a row say.
-    bool allRead() const { return completeReports_ >= 2; }
-    /// From 0 to 1, by bytes; -1 while nothing is known.
+    /// Whether all that there is has been read, which two reports in a row say.
+    bool allRead() const { return totalsKnown_ && completeReports_ >= 2; }
+    /// From 0 to 1, by bytes; -1 as long as restic looks for files and the totals grow.
     double percent() const { return percent_; }
     const CopyStatus& shown() const { return shown_; }
     /// The dictionary "Progress" of a status answer.
@@ -27,6 +27,7 @@ class Progress {
 
     CopyStatus shown_;
     double percent_ = -1;
+    bool totalsKnown_ = false; ///< restic tells the remaining time once it has seen all files
     int completeReports_ = 0;
 };
 

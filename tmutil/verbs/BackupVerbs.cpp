@@ -2,6 +2,7 @@
 #include "tmutil/backup/Launch.h"
 #include "tmutil/backup/RunState.h"
 #include "tmutil/backup/Worker.h"
+#include "tmutil/records/History.h"
 #include "tmutil/verbs/BraceForm.h"
 #include "tmutil/verbs/Verbs.h"
 
@@ -18,19 +19,18 @@ namespace orvello::tmutil {
 
 namespace {
 
-/// Waits for the backup that another call started; how it ended is told by that call, the log and the status.
+/// Waits for the backup that another call started, and tells how it ended.
 int waitForOther(const Folders& folders) {
     constexpr std::chrono::milliseconds pause(200);
     const BackupLock lock(folders);
     while (lock.holder())
         std::this_thread::sleep_for(pause);
-    const auto answer = statusAnswer(folders);
-    const auto* last = plist::find(answer, "LastFailure");
-    if (last == nullptr)
+    const auto history = loadHistory(folders.state);
+    const auto outcome = history.runs.empty() ? Run::Outcome::Failed : history.runs.back().outcome;
+    if (outcome == Run::Outcome::Completed)
         return success;
-    if (const auto* fields = last->as<plist::Dictionary>())
-        if (const auto* reason = plist::find(*fields, "Reason"); reason && reason->as<std::string>())
-            complain(*reason->as<std::string>());
+    const bool failed = outcome == Run::Outcome::Failed && !history.runs.empty();
+    complain(failed ? history.runs.back().reason : "The backup was stopped.");
     return failure;
 }
 
