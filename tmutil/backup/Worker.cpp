@@ -80,6 +80,7 @@ class BackupRun {
     void copy(const Restic& restic);
     Ended runBackup(const Restic& restic);
     void close(Run::Outcome outcome, const std::string& reason);
+    std::int64_t skippedItems(const Ended& ended) const;
     std::string failureReason(const Ended& ended) const;
     void noteUnfinishedRuns();
     void showPhase(const std::string& phase);
@@ -187,7 +188,7 @@ void BackupRun::copy(const Restic& restic) {
     if (summary_ && (ended.status == 0 || ended.status == someUnreadable)) {
         run_.added = summary_->added;
         run_.backup = summary_->snapshot;
-        run_.skipped = ended.status == 0 ? 0 : std::max<std::int64_t>(progress_.shown().errors, 1);
+        run_.skipped = ended.status == 0 ? 0 : skippedItems(ended);
         close(Run::Outcome::Completed, {});
         reporter_.completed(copiedText(run_.added, std::chrono::steady_clock::now() - begun));
         return;
@@ -217,6 +218,14 @@ Ended BackupRun::runBackup(const Restic& restic) {
             showPhase("Finishing");
         }
     });
+}
+
+/// How many items could not be read. The progress does not count the last ones, and some twice; the errors name
+/// each once, but only the last of many are kept.
+std::int64_t BackupRun::skippedItems(const Ended& ended) const {
+    constexpr std::int64_t many = 50;
+    const auto named = std::max<std::int64_t>(countUnreadable(ended.errors), 1);
+    return named < many ? named : std::max(named, progress_.shown().errors);
 }
 
 std::string BackupRun::failureReason(const Ended& ended) const {

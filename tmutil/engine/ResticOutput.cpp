@@ -230,6 +230,18 @@ Refusal readRefusal(int status, std::string_view errors) {
     return Refusal::Other;
 }
 
+std::int64_t countUnreadable(std::string_view errors) {
+    std::int64_t items = 0;
+    eachLine(errors, [&items](std::string_view line) {
+        const auto object = parse(line);
+        // What the scan of the totals cannot read is met once more when it is to be backed up.
+        if (object.is_object() && text(object, "message_type") == "error" &&
+            text(object, "during") == "archival")
+            ++items;
+    });
+    return items;
+}
+
 std::string readReason(std::string_view errors) {
     constexpr std::string_view fatal = "Fatal: ";
     std::string last;

@@ -70,6 +70,8 @@ std::optional<ZonedTime> readTime(std::string_view text);
 /// Why restic did not do what it was asked to.
 enum class Refusal { Other, NoRepository, WrongKey, Locked, NoSpace };
 Refusal readRefusal(int status, std::string_view errors);
+/// How many files and folders the errors of a backup name that could not be read.
+std::int64_t countUnreadable(std::string_view errors);
 /// What restic says of a failure, in one line: that of the last "Fatal:", else the last one there is. Empty
 /// when there is none.
 std::string readReason(std::string_view errors);
