@@ -80,6 +80,7 @@ class BackupRun {
     void copy(const Restic& restic);
     Ended runBackup(const Restic& restic);
     void close(Run::Outcome outcome, const std::string& reason);
+    bool destinationIsThere() const;
     std::int64_t skippedItems(const Ended& ended) const;
     std::string failureReason(const Ended& ended) const;
     void noteUnfinishedRuns();
@@ -185,7 +186,7 @@ void BackupRun::copy(const Restic& restic) {
     constexpr int someUnreadable = 3;
     run_.files = progress_.shown().files;
     run_.bytes = progress_.shown().bytes;
-    if (summary_ && (ended.status == 0 || ended.status == someUnreadable)) {
+    if (summary_ && destinationIsThere() && (ended.status == 0 || ended.status == someUnreadable)) {
         run_.added = summary_->added;
         run_.backup = summary_->snapshot;
         run_.skipped = ended.status == 0 ? 0 : skippedItems(ended);
@@ -220,6 +221,10 @@ Ended BackupRun::runBackup(const Restic& restic) {
     });
 }
 
+bool BackupRun::destinationIsThere() const {
+    return chosen_.folder.empty() || isRepository(chosen_.address);
+}
+
 /// How many items could not be read. The progress does not count the last ones, and some twice; the errors name
 /// each once, but only the last of many are kept.
 std::int64_t BackupRun::skippedItems(const Ended& ended) const {
@@ -230,7 +235,7 @@ std::int64_t BackupRun::skippedItems(const Ended& ended) const {
 
 std::string BackupRun::failureReason(const Ended& ended) const {
     const auto& name = chosen_.destination.name;
-    if (!chosen_.folder.empty() && !isRepository(chosen_.address))
+    if (!destinationIsThere())
         return fmt::format("The backup destination \"{}\" went away during the backup.", name);
     switch (readRefusal(ended.status, ended.errors)) {
     case Refusal::NoSpace:

@@ -44,9 +44,19 @@ std::vector<char*> pointers(const std::vector<std::string>& texts) {
     return result;
 }
 
+/// Ends the child that could not become what it was to be; only calls that are safe after fork.
+[[noreturn]] void giveUp(const char* path) {
+    constexpr int notStarted = 127;
+    const char* reason = ::strerrordesc_np(errno);
+    for (const char* text : {path, ": ", reason})
+        [[maybe_unused]] const auto written =
+            ::write(STDERR_FILENO, text, std::char_traits<char>::length(text));
+    ::_exit(notStarted);
+}
+
 /// What the child does between fork and exec; only calls that are safe there.
-[[noreturn]] void become(const char* path, char* const* arguments, char* const* environment, int output,
-                         int errors, pid_t parent) {
+[[noreturn]] void become(const char* path, char* const* arguments, char* const* environment,
+                         const char* folder, int output, int errors, pid_t parent) {
     ::prctl(PR_SET_PDEATHSIG, SIGINT); // restic removes its locks on the way out
     if (::getppid() != parent)
         ::_exit(127);
@@ -58,14 +68,10 @@ std::vector<char*> pointers(const std::vector<std::string>& texts) {
     ::dup2(input, STDIN_FILENO);
     ::dup2(output, STDOUT_FILENO);
     ::dup2(errors, STDERR_FILENO);
+    if (*folder != '\0' && ::chdir(folder) != 0)
+        giveUp(folder);
     ::execve(path, arguments, environment);
-    constexpr int notStarted = 127;
-    const int error = errno;
-    [[maybe_unused]] auto written = ::write(STDERR_FILENO, path, std::char_traits<char>::length(path));
-    const char* reason = ::strerrordesc_np(error);
-    written = ::write(STDERR_FILENO, ": ", 2);
-    written = ::write(STDERR_FILENO, reason, std::char_traits<char>::length(reason));
-    ::_exit(notStarted);
+    giveUp(path);
 }
 
 /// Hands on what it is given line by line; a line that exceeds lineLimit is dropped.
@@ -185,8 +191,8 @@ Ended run(const Command& command, const LineHandler& onLine, const StopRequest& 
     if (child < 0)
         return notStarted(errno);
     if (child == 0)
-        become(command.path.c_str(), arguments.data(), environment.data(), output.writing.get(),
-               errors.writing.get(), parent);
+        become(command.path.c_str(), arguments.data(), environment.data(), command.folder.c_str(),
+               output.writing.get(), errors.writing.get(), parent);
     output.writing.close();
     errors.writing.close();
 

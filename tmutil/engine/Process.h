@@ -12,6 +12,7 @@ struct Command {
     std::string path;
     std::vector<std::string> arguments;
     std::vector<std::string> environment; ///< the whole of it, as NAME=VALUE
+    std::string folder;                   ///< where it works; empty: where this process does
 };
 
 /// How a program ended.

@@ -22,9 +22,13 @@ constexpr std::array<std::string_view, 4> removed{
     "RESTIC_KEY_HINT=",
 };
 
+bool isFolder(const Repository& repository) {
+    return repository.address.starts_with('/');
+}
+
 std::vector<std::string> environmentFor(const Repository& repository) {
     auto environment = repository.credentials;
-    environment.push_back("RESTIC_REPOSITORY=" + repository.address);
+    environment.push_back("RESTIC_REPOSITORY=" + (isFolder(repository) ? "." : repository.address));
     environment.push_back("RESTIC_PASSWORD_FILE=" + repository.keyFile);
     environment.emplace_back("RESTIC_PROGRESS_FPS=2");
     environment.emplace_back("SSH_ASKPASS_REQUIRE=never"); // nobody may be there to be asked
@@ -58,7 +62,10 @@ std::optional<std::string> findRestic() {
 }
 
 Ended Restic::run(const std::vector<std::string>& arguments, const LineHandler& onLine) const {
-    return tmutil::run({program_, arguments, environmentFor(repository_)}, onLine, stop_);
+    // restic makes folders that it misses. In the repository's own folder it follows one that is moved, and fails
+    // on a disk that is gone, but writes nothing into an empty mount point.
+    const auto folder = isFolder(repository_) ? repository_.address : std::string();
+    return tmutil::run({program_, arguments, environmentFor(repository_), folder}, onLine, stop_);
 }
 
 std::string describeFailure(const std::string& what, const Ended& ended) {
