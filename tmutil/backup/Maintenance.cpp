@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <ctime>
+#include <filesystem>
+#include <system_error>
 
 namespace orvello::tmutil {
 
@@ -42,6 +44,21 @@ std::vector<Snapshot> backupsLike(const std::string& backup, std::vector<Snapsho
     return all;
 }
 
+/// restic writes to "NAME-tmp-NUMBER" in a folder, and leaves that there when it is interrupted. Those that
+/// nobody has written to for a day are removed.
+void removeUnfinishedUploads(const std::string& repository) {
+    namespace fs = std::filesystem;
+    const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(fs::path(repository) / "data", error), end;
+         !error && entry != end; entry.increment(error)) {
+        std::error_code itsError;
+        if (entry->path().filename().string().find("-tmp-") != std::string::npos &&
+            entry->last_write_time(itsError) < longAgo && !itsError)
+            fs::remove(entry->path(), itsError);
+    }
+}
+
 bool pruneIsDue(const DestinationRecord& record, Date now) {
     constexpr std::chrono::hours day(24);
     // A date in the future is that of a clock that has been set back since.
@@ -74,6 +91,7 @@ void thin(const Restic& restic, const std::string& backup, Date now, Destination
         record.forgotten = succeeds(restic, arguments, log) || record.forgotten;
     }
     if (pruneIsDue(record, now) && succeeds(restic, {"prune"}, log)) {
+        removeUnfinishedUploads(restic.address());
         record.lastPrune = now;
         record.forgotten = false;
     }

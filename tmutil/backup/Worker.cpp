@@ -22,6 +22,7 @@
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 namespace orvello::tmutil {
 
@@ -115,16 +116,20 @@ void BackupRun::noteUnfinishedRuns() {
     for (auto& [id, destination] : books_.destinations) {
         if (!destination.unfinishedSince)
             continue;
+        const auto start = *std::exchange(destination.unfinishedSince, std::nullopt);
+        destination.needsRepair = true;
+        found = true;
+        // It may have been ended between its last two lines: in the history, and in here.
+        if (std::any_of(history.runs.begin(), history.runs.end(),
+                        [&](const Run& run) { return run.start == start && run.destination == id; }))
+            continue;
         const std::string reason = "The backup was interrupted before its end.";
-        history.add({.start = *destination.unfinishedSince,
+        history.add({.start = start,
                      .end = run_.start,
                      .destination = id,
                      .outcome = Run::Outcome::Failed,
                      .reason = reason});
         log_.line("the last backup was interrupted before its end; its data is taken over");
-        destination.unfinishedSince.reset();
-        destination.needsRepair = true;
-        found = true;
     }
     if (found) {
         (void)saveHistory(folders_.state, history);

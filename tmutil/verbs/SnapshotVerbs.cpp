@@ -193,7 +193,10 @@ int verifyChecksums(const Invocation& invocation) {
             status = fail(shelf.problem().text);
             continue;
         }
-        const auto ended = shelf->restic.run({"check", "--read-data"});
+        auto ended = shelf->restic.run({"check", "--read-data"});
+        if (readRefusal(ended.status, ended.errors) == Refusal::Locked &&
+            shelf->restic.run({"unlock"}).status == 0) // of processes that have ended, and no others
+            ended = shelf->restic.run({"check", "--read-data"});
         if (ended.status == 0)
             print(fmt::format("{}: All backups are intact.\n", shelf->name));
         else
