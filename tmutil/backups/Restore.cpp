@@ -65,6 +65,25 @@ bool hasErrors(const Ended& ended) {
            ended.output.find("There were ") != std::string::npos;
 }
 
+/// Moves an item to where nothing is; 0, or why it could not be moved.
+int move(const std::string& item, const std::string& target) {
+    // A folder can be moved to another one only by who may write into it: see rename(2).
+    struct stat before {};
+    const bool closed =
+        ::lstat(item.c_str(), &before) == 0 && S_ISDIR(before.st_mode) && (before.st_mode & S_IWUSR) == 0;
+    if (closed)
+        ::chmod(item.c_str(), before.st_mode | S_IWUSR);
+    std::error_code error;
+    int moved = ::renameat2(AT_FDCWD, item.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE);
+    // Not every file system can refuse to replace.
+    if (moved != 0 && errno == EINVAL && !fs::exists(fs::symlink_status(target, error)))
+        moved = ::rename(item.c_str(), target.c_str());
+    const int failed = moved == 0 ? 0 : errno;
+    if (closed)
+        ::chmod(moved == 0 ? target.c_str() : item.c_str(), before.st_mode);
+    return failed;
+}
+
 } // namespace
 
 Restored restoreItem(const Restic& restic, const RestoreOrder& order) {
@@ -87,12 +106,8 @@ Restored restoreItem(const Restic& restic, const RestoreOrder& order) {
         return {Problem{describeFailure("Nothing was restored", ended)}};
     if (order.path.empty())
         ::chmod(item.c_str(), S_IRWXU);
-    int moved = ::renameat2(AT_FDCWD, item.c_str(), AT_FDCWD, order.target.c_str(), RENAME_NOREPLACE);
-    // Not every file system can refuse to replace.
-    if (moved != 0 && errno == EINVAL && !fs::exists(fs::symlink_status(order.target, error)))
-        moved = ::rename(item.c_str(), order.target.c_str());
-    if (moved != 0)
-        return {Problem{fmt::format("{}: {}.", order.target, std::generic_category().message(errno))}};
+    if (const int failed = move(item, order.target); failed != 0)
+        return {Problem{fmt::format("{}: {}.", order.target, std::generic_category().message(failed))}};
     if (hasErrors(ended))
         return {Problem{describeFailure(fmt::format("Not all of \"{}\" was restored", order.target), ended)},
                 true};

@@ -195,7 +195,7 @@ class Machine:
             subprocess.run(["umount", "-l", point], check=True)
         if mounts_below(self.top):
             raise AssertionError(f"{self.top} is left alone, as something is mounted in it")
-        opened = ["find", self.top, "-xdev", "-type", "d", "-exec", "chmod", "u+rwx", "{}", ";"]
+        opened = ["find", self.top, "-xdev", "-type", "d", "-exec", "chmod", "u+rwx", "{}", "+"]
         subprocess.run(opened, check=False, stderr=subprocess.DEVNULL)
         subprocess.run(["rm", "-rf", "--one-file-system", self.top], check=True)
 
