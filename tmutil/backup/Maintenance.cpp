@@ -72,13 +72,13 @@ bool repair(const Restic& restic, Log& log) {
     return succeeds(restic, {"unlock"}, log) && succeeds(restic, {"rebuild-index"}, log);
 }
 
-void thin(const Restic& restic, const std::string& backup, Date now, DestinationRecord& record, Log& log) {
+bool thin(const Restic& restic, const std::string& backup, Date now, DestinationRecord& record, Log& log) {
     const auto ended = restic.run({"snapshots", "--json", "--tag", std::string(ownTag)});
     auto all = ended.status == 0 ? readSnapshots(ended.output) : std::nullopt;
     if (!all) {
         if (!ended.stopped)
             log.line(describeFailure("restic snapshots", ended));
-        return;
+        return false;
     }
     const auto snapshots = backupsLike(backup, std::move(*all));
     std::vector<Date> times;
@@ -88,13 +88,18 @@ void thin(const Restic& restic, const std::string& backup, Date now, Destination
         std::vector<std::string> arguments{"forget"};
         for (const auto position : dropped)
             arguments.push_back(snapshots[position].id);
-        record.forgotten = succeeds(restic, arguments, log) || record.forgotten;
+        if (!succeeds(restic, arguments, log))
+            return false;
+        record.forgotten = true;
     }
-    if (pruneIsDue(record, now) && succeeds(restic, {"prune"}, log)) {
-        removeUnfinishedUploads(restic.address());
-        record.lastPrune = now;
-        record.forgotten = false;
-    }
+    if (!pruneIsDue(record, now))
+        return true;
+    if (!succeeds(restic, {"prune"}, log))
+        return false;
+    removeUnfinishedUploads(restic.address());
+    record.lastPrune = now;
+    record.forgotten = false;
+    return true;
 }
 
 } // namespace orvello::tmutil

@@ -23,7 +23,7 @@ bool repair(const Restic& restic, Log& log);
 
 /// Drops old backups of the user and machine that made the given one, see backupsToDrop, and, once a day at
 /// most, the data that no backup needs any more. `backup` is its identifier or the start of it. Keeps the
-/// record; what fails is logged and done the next time.
-void thin(const Restic& restic, const std::string& backup, Date now, DestinationRecord& record, Log& log);
+/// record; what fails is logged and done the next time. Whether nothing failed.
+bool thin(const Restic& restic, const std::string& backup, Date now, DestinationRecord& record, Log& log);
 
 } // namespace orvello::tmutil

@@ -175,7 +175,10 @@ void BackupRun::copyAndThin() {
     if (run_.outcome != Run::Outcome::Completed || stop_.requested())
         return;
     showPhase("ThinningPostBackup");
-    thin(restic, run_.backup, run_.end, record(), log_);
+    // One that is killed meanwhile leaves a lock that would keep all later ones from thinning.
+    record().needsRepair = true;
+    keepBooks();
+    record().needsRepair = !thin(restic, run_.backup, run_.end, record(), log_);
     keepBooks();
 }
 
@@ -230,8 +233,8 @@ bool BackupRun::destinationIsThere() const {
     return chosen_.folder.empty() || isRepository(chosen_.address);
 }
 
-/// How many items could not be read. The progress does not count the last ones, and some twice; the errors name
-/// each once, but only the last of many are kept.
+/// How many items could not be read. The progress does not count the last ones, and some twice; the errors
+/// name each once, but only the last of many are kept.
 std::int64_t BackupRun::skippedItems(const Ended& ended) const {
     constexpr std::int64_t many = 50;
     const auto named = std::max<std::int64_t>(countUnreadable(ended.errors), 1);

@@ -62,8 +62,8 @@ std::optional<std::string> findRestic() {
 }
 
 Ended Restic::run(const std::vector<std::string>& arguments, const LineHandler& onLine) const {
-    // restic makes folders that it misses. In the repository's own folder it follows one that is moved, and fails
-    // on a disk that is gone, but writes nothing into an empty mount point.
+    // restic makes folders that it misses. In the repository's own folder it follows one that is moved, and
+    // fails on a disk that is gone, but writes nothing into an empty mount point.
     const auto folder = isFolder(repository_) ? repository_.address : std::string();
     return tmutil::run({program_, arguments, environmentFor(repository_), folder}, onLine, stop_);
 }
