@@ -24,6 +24,8 @@ packages_test=(
     clang
     dbus
     desktop-file-utils
+    e2fsprogs
+    faketime
     fonts-dejavu-core
     libclang-rt-dev
     libfaketime
@@ -32,7 +34,9 @@ packages_test=(
     man-db
     mandoc
     python3
+    python3-dbus
     python3-gi
+    rclone
     xdotool
     xvfb
 )

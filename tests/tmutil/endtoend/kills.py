@@ -28,7 +28,7 @@ class Kills(unittest.TestCase):
             moment = chance.uniform(0, LATEST)
             with self.subTest(seed=seed, number=number, victim=victim, moment=moment):
                 machine.write(f"data/{number}", os.urandom(4_000_000))
-                machine.slow_down(2048)
+                machine.slow_down(1024)
                 machine.tmutil("startbackup")
                 time.sleep(moment)
                 known = machine.processes("restic")
