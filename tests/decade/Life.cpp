@@ -94,9 +94,9 @@ void Life::sleepBefore(Date date) {
 }
 
 Life::Expectation Life::expect() {
-    while (due_[nextDue_] <= now() - 1min)
+    while (due_.at(nextDue_) <= now() - 1min)
         ++nextDue_;
-    const bool hourDue = due_[nextDue_] <= now();
+    const bool hourDue = due_.at(nextDue_) <= now();
     // The registry tells the idle time in units of 2^30 ns, of which 60 are taken for a minute.
     const bool idleEnough = idleTimeAt(now()) >= nanoseconds(schedule_.idleTime * 60 * (1LL << 30));
 
@@ -123,7 +123,7 @@ Life::Expectation Life::expect() {
 
 /// Rounded up; 1 in the minute itself, but for its first second.
 std::int64_t Life::minutesUntilDue() const {
-    const auto distance = due_[nextDue_] - now();
+    const auto distance = due_.at(nextDue_) - now();
     return distance < 0s ? 1 : ceil<minutes>(distance).count();
 }
 
