@@ -8,16 +8,18 @@ Date neverDate() {
 }
 
 plist::Dictionary getAppDefaults() {
+    // In minutes. The pop-up of the preferences shows it only if resources/TimeInterval.plist has it.
+    constexpr int interval = 60;
     plist::Dictionary defaults;
     const auto set = [&](std::string_view name, plist::Value value) {
         defaults.insert_or_assign(std::string(name), std::move(value));
     };
-    set(key::BackupTimeInterval, 60);
+    set(key::BackupTimeInterval, interval);
     set(key::IdleTime, -1);
     set(key::Time1, -1);
     set(key::Time2, -1);
     set(key::AndOr, "and");
-    set(key::MinutesUntilNextBackup, 60);
+    set(key::MinutesUntilNextBackup, interval);
     set(key::LastBackup, neverDate());
     set(key::AutoStart, false);
     set(key::FirstStart, true);

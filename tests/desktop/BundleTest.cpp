@@ -1,8 +1,11 @@
 #include "platform/desktop/DesktopBundle.h"
 #include "platform/plist/PropertyList.h"
 #include "preferences/SchedulePane.h"
+#include "settings/SettingsKeys.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace orvello {
 namespace {
@@ -11,6 +14,8 @@ TEST(DesktopBundle, OffersIntervalsFromTenMinutesToFourWeeksThatReadAsWhatTheyAr
     const auto list = plist::parse(DesktopBundle().resource("TimeInterval", "plist").value_or(""));
     const auto* intervals = list ? list->as<plist::Array>() : nullptr;
     ASSERT_NE(intervals, nullptr);
+    const auto usual = *plist::find(getAppDefaults(), key::BackupTimeInterval);
+    EXPECT_NE(std::ranges::find(*intervals, usual), intervals->end()) << "the pop-up cannot show the default";
     std::int64_t last = 9;
     for (const auto& entry : *intervals) {
         const auto minutes = plist::integerValue(&entry);
