@@ -3,15 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace orvello {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// The titles of the six entries, without the hidden ones.
+/// The titles of the entries above the separator, without the hidden ones.
 std::vector<std::string> status(Program& program) {
     auto titles = program.menuTitles();
-    titles.resize(titles.size() - 5);
+    titles.erase(std::ranges::find(titles, ""), titles.end());
     return titles;
 }
 
