@@ -28,9 +28,11 @@ class Timer;
 ///
 ///   start           applicationDidFinishLaunching → initFinalize → updateBackupSchedulerNoTrigger
 ///   missing tool    applicationDidFinishLaunching → setUpMissingTool → initFinalize, or the program ends
-///   every minute    updateBackupSchedulerWithTrigger → updateBackupScheduler → runTimeMachineBackup when one
-///   is due every 10 s      updateStatus → updateMenuStatus → BackupStatus, then statistics; every 2 s while
-///   the menu is open menu opens      menuWillOpen (2-second timer on), validateMenuItem → updateMenuStatus
+///   every minute    updateBackupSchedulerWithTrigger → updateBackupScheduler
+///                   → runTimeMachineBackup when one is due
+///   every 10 s      updateStatus → updateMenuStatus → BackupStatus, then statistics;
+///                   every 2 s while the menu is open
+///   menu opens      menuWillOpen (2-second timer on), validateMenuItem → updateMenuStatus
 ///   backup item     RunTimeMachineClicked → runTimeMachineBackup or cancelTimeMachineBackup
 ///   a start         BackupStatus, tool run, LastBackup, resetMinutesUntilNextBackup, updateStatus
 ///
