@@ -28,6 +28,7 @@ std::string nameOf(const std::string& destination, const Snapshot& snapshot) {
 
 std::vector<std::string> backupNames(const std::string& destination, const std::vector<Snapshot>& snapshots) {
     std::vector<std::string> plain;
+    plain.reserve(snapshots.size());
     for (const auto& snapshot : snapshots)
         plain.push_back(nameOf(destination, snapshot));
     auto names = plain;

@@ -38,6 +38,7 @@ Pipe makePipe() {
 
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
     std::vector<char*> result;
+    result.reserve(texts.size() + 1);
     for (const auto& text : texts)
         result.push_back(const_cast<char*>(text.c_str())); // exec leaves them alone (POSIX)
     result.push_back(nullptr);
