@@ -55,7 +55,9 @@ void logCall(const fs::path& folder, const std::vector<std::string>& arguments) 
     if (file < 0 || write(file, line.data(), line.size()) < 0) {
         std::perror("player: calls.log");
     }
-    close(file);
+    if (file >= 0) {
+        close(file);
+    }
 }
 
 /// The moments of start and stop request of the latest backup, kept as one file each. The folder stays locked
