@@ -33,7 +33,7 @@ std::vector<Date> instantsAt(const TimeZone& zone, LocalDate local) {
     // in on it.
     auto old = std::chrono::floor<std::chrono::seconds>(utc - largestOffset);
     auto change = std::chrono::ceil<std::chrono::seconds>(utc + largestOffset);
-    while (change - old > 1s) {
+    while (change - old > std::chrono::seconds(1)) {
         const auto middle = old + (change - old) / 2;
         (zone.offsetAt(middle) == before ? old : change) = middle;
     }

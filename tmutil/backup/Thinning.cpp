@@ -6,8 +6,6 @@ namespace orvello::tmutil {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 enum class Period { Hour, Day, Week };
 
 /// Backups with equal spans compete.
@@ -15,11 +13,12 @@ using Span = std::pair<Period, std::int64_t>;
 
 Span spanOf(Date time, Date now, std::chrono::minutes offset) {
     using std::chrono::days;
+    constexpr days day(1);
     constexpr days month(30);
     constexpr days mondayShift(3); // 1970-01-01 was a Thursday
     const auto local = time + offset;
     const auto age = now - time;
-    if (age <= 24h)
+    if (age <= day)
         return {Period::Hour, std::chrono::floor<std::chrono::hours>(local).time_since_epoch().count()};
     if (age <= month)
         return {Period::Day, std::chrono::floor<days>(local).time_since_epoch().count()};

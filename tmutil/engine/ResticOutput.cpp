@@ -110,9 +110,9 @@ bool takeNumber(std::string_view& rest, std::size_t digits, char behind, int& nu
 std::optional<std::chrono::minutes> readOffset(std::string_view rest) {
     if (rest == "Z")
         return std::chrono::minutes(0);
-    if (rest.empty() || (rest.front() != '+' && rest.front() != '-'))
+    if (!rest.starts_with('+') && !rest.starts_with('-'))
         return std::nullopt;
-    const int sign = rest.front() == '-' ? -1 : 1;
+    const int sign = rest.starts_with('-') ? -1 : 1;
     rest.remove_prefix(1);
     int hours = 0;
     int minutes = 0;
