@@ -169,6 +169,7 @@ int runCommandLine(const std::vector<std::string>& arguments) {
 }
 
 void print(std::string_view text) {
+    // cppcheck-suppress danglingTemporaryLifetime ; a caller's temporary lives until the call ends
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 

@@ -97,6 +97,7 @@ packages_format=(
 
 packages_lint=(
     clang-tidy
+    cppcheck
     git
     shellcheck
 )

@@ -130,6 +130,7 @@ class DesktopBackEnd : public BackEndUnderTest {
   private:
     fs::path autostart() const { return fs::path(home_.path().toStdString()) / "autostart"; }
     IdleServiceRegistry& registry() const {
+        // cppcheck-suppress returnTempReference ; nothing here is a temporary
         return dynamic_cast<IdleServiceRegistry&>(const_cast<DesktopBackEnd*>(this)->platform().ioRegistry);
     }
 
