@@ -48,7 +48,7 @@ TEST(UserTimeZone, FollowsTheSystemsZoneWhileRunning) {
         const UserTimeZone zone;
         (void)zone.offsetAt(winter);
         const auto set = [](const char* file) {
-            return mount(file, "/etc/localtime", nullptr, MS_BIND, nullptr) == 0;
+            return mount(file, "/etc/localtime", "none", MS_BIND, nullptr) == 0;
         };
         if ((unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0 && unshare(CLONE_NEWNS) != 0) ||
             !set("/usr/share/zoneinfo/Asia/Tokyo"))
