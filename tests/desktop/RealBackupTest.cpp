@@ -74,8 +74,8 @@ class RealBackup : public testing::Test {
         return dictionary ? *dictionary : plist::Dictionary();
     }
     static bool isCopying(const plist::Dictionary& status) {
-        constexpr std::int64_t some = 100'000'000;
-        return text(status, "BackupPhase") == "Copying" && number(progress(status), "bytes") > some;
+        return text(status, "BackupPhase") == "Copying" &&
+               plist::doubleValue(plist::find(status, "Percent")) > 0;
     }
 
     /// Stops or continues the backup where it is: its worker, and the engine that is the worker's child.

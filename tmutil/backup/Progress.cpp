@@ -29,9 +29,12 @@ void Progress::raise(std::int64_t files, std::int64_t totalFiles, std::int64_t b
     shown_.bytes = std::max(shown_.bytes, bytes);
     shown_.totalFiles = std::max({shown_.totalFiles, totalFiles, shown_.files});
     shown_.totalBytes = std::max({shown_.totalBytes, totalBytes, shown_.bytes});
-    if (totalsKnown_ && copying() && shown_.totalBytes > 0)
-        percent_ =
-            std::max(percent_, static_cast<double>(shown_.bytes) / static_cast<double>(shown_.totalBytes));
+    if (!copying())
+        return;
+    double part = 0;
+    if (totalsKnown_ && shown_.totalBytes > 0)
+        part = static_cast<double>(shown_.bytes) / static_cast<double>(shown_.totalBytes);
+    percent_ = std::max(percent_, part);
 }
 
 plist::Dictionary Progress::dictionary() const {

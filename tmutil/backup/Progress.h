@@ -16,7 +16,7 @@ class Progress {
     bool copying() const { return shown_.files > 0 || shown_.bytes > 0; }
     /// Whether all that there is has been read, which two reports in a row say.
     bool allRead() const { return totalsKnown_ && completeReports_ >= 2; }
-    /// From 0 to 1, by bytes; -1 as long as restic looks for files and the totals grow.
+    /// From 0 to 1, by bytes; 0 as long as restic looks for files and the totals grow, -1 before copying.
     double percent() const { return percent_; }
     const CopyStatus& shown() const { return shown_; }
     /// The dictionary "Progress" of a status answer.
