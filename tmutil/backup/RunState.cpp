@@ -87,10 +87,6 @@ void writeRunState(const Folders& folders, const plist::Dictionary& state) {
     (void)PropertyListFile(folders.runtime + stateName).replace(content);
 }
 
-void removeRunState(const Folders& folders) {
-    ::unlink((folders.runtime + stateName).c_str());
-}
-
 plist::Dictionary statusAnswer(const Folders& folders) {
     const auto holder = BackupLock(folders).holder();
     if (!holder)

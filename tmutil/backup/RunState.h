@@ -31,9 +31,10 @@ class BackupLock {
     int error_ = 0;
 };
 
-/// What the running backup says of itself. It is read far more often than it changes.
+/// What the running backup says of itself. It is read far more often than it changes. It is left behind at
+/// the end, when nobody believes it any more: without it the holder of the lock would seem to be starting
+/// until it lets go.
 void writeRunState(const Folders& folders, const plist::Dictionary& state);
-void removeRunState(const Folders& folders);
 
 /// The answer to "status": what the running backup says, else that none runs and, after a failure, why the
 /// last one did.

@@ -72,7 +72,6 @@ class BackupRun {
             close(Run::Outcome::Failed, problem->text);
         else
             copyAndThin();
-        removeRunState(folders_);
     }
 
   private:
