@@ -82,6 +82,7 @@ bool thin(const Restic& restic, const std::string& backup, Date now, Destination
     }
     const auto snapshots = backupsLike(backup, std::move(*all));
     std::vector<Date> times;
+    times.reserve(snapshots.size());
     for (const auto& snapshot : snapshots)
         times.push_back(snapshot.time);
     if (const auto dropped = backupsToDrop(times, now, localOffset(now)); !dropped.empty()) {
