@@ -4,10 +4,10 @@
 
 namespace orvello {
 
-/// The system's log, under the program's name at the level of information; one object per process. While standard error
-/// is a terminal, or the environment variable ORVELLO_LOG_STDERR is set and not empty, lines go there too,
-/// with the local time in milliseconds before them. A standard error that takes no line at the moment misses
-/// it.
+/// The system's log, under the program's name at the level of information; one object per process. While
+/// standard error is a terminal, or the environment variable ORVELLO_LOG_STDERR is set and not empty, lines
+/// go there too, with the local time in milliseconds before them. A standard error that takes no line at the
+/// moment misses it.
 class SystemLog : public Log {
   public:
     /// `name` is what the log calls the program; it must last as long as the process.
