@@ -3,26 +3,24 @@
 #include "platform/posix/SystemLog.h"
 #include "tmutil/backup/Maintenance.h"
 #include "tmutil/backup/Notices.h"
-#include "tmutil/backup/Progress.h"
+#include "tmutil/backup/RunBooks.h"
+#include "tmutil/backup/RunDisplay.h"
 #include "tmutil/backup/RunState.h"
 #include "tmutil/backup/StopSignals.h"
 #include "tmutil/destinations/Choice.h"
 #include "tmutil/destinations/Places.h"
 #include "tmutil/engine/Keys.h"
 #include "tmutil/engine/Restic.h"
-#include "tmutil/records/Bookkeeping.h"
-#include "tmutil/records/Fields.h"
-#include "tmutil/records/History.h"
 #include "tmutil/selection/Selection.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <utility>
 
 namespace orvello::tmutil {
 
@@ -57,7 +55,8 @@ class BackupRun {
         : folders_(folders)
         , order_(order)
         , reporter_(reporter)
-        , lock_(folders) {}
+        , lock_(folders)
+        , display_(folders, stop_) {}
 
     void make() {
         if (const auto problem = lock_.problem())
@@ -66,8 +65,9 @@ class BackupRun {
             return reporter_.busy();
         lowerPriority();
         run_.start = now();
-        showPhase("Starting");
-        noteUnfinishedRuns();
+        display_.showPhase("Starting");
+        books_.emplace(folders_, log_);
+        books_->noteUnfinishedRuns(run_.start);
         if (const auto problem = prepare())
             close(Run::Outcome::Failed, problem->text);
         else
@@ -83,11 +83,7 @@ class BackupRun {
     bool destinationIsThere() const;
     std::int64_t skippedItems(const Ended& ended) const;
     std::string failureReason(const Ended& ended) const;
-    void noteUnfinishedRuns();
-    void showPhase(const std::string& phase);
-    void showState() const;
-    void keepBooks();
-    DestinationRecord& record() { return books_.destinations[chosen_.destination.id]; }
+    DestinationRecord& record() { return books_->record(chosen_.destination.id); }
 
     const Folders& folders_;
     const BackupOrder& order_;
@@ -95,46 +91,15 @@ class BackupRun {
     BackupLock lock_;
     StopSignals stop_;
     SystemLog log_{"tmutil"};
+    RunDisplay display_;
+    std::optional<RunBooks> books_; ///< once the lock is held
 
     Configuration configuration_;
-    Bookkeeping books_;
     ChosenDestination chosen_;
     std::string restic_; ///< the program's path
     Run run_;
-    std::string phase_;
-    Date phaseSince_{};
-    Progress progress_;
     std::optional<CopySummary> summary_;
 };
-
-/// Runs that a kill or a power cut ended have told nobody; they are told now.
-void BackupRun::noteUnfinishedRuns() {
-    books_ = loadBookkeeping(folders_.state);
-    auto history = loadHistory(folders_.state);
-    bool found = false;
-    for (auto& [id, destination] : books_.destinations) {
-        if (!destination.unfinishedSince)
-            continue;
-        const auto start = *std::exchange(destination.unfinishedSince, std::nullopt);
-        destination.needsRepair = true;
-        found = true;
-        // It may have been ended between its last two lines: in the history, and in here.
-        if (std::any_of(history.runs.begin(), history.runs.end(),
-                        [&](const Run& run) { return run.start == start && run.destination == id; }))
-            continue;
-        const std::string reason = "The backup was interrupted before its end.";
-        history.add({.start = start,
-                     .end = run_.start,
-                     .destination = id,
-                     .outcome = Run::Outcome::Failed,
-                     .reason = reason});
-        log_.line("the last backup was interrupted before its end; its data is taken over");
-    }
-    if (found) {
-        (void)saveHistory(folders_.state, history);
-        keepBooks();
-    }
-}
 
 /// Everything that can be known to be in the way before anything is touched.
 Failure BackupRun::prepare() {
@@ -142,11 +107,12 @@ Failure BackupRun::prepare() {
     if (!configuration)
         return configuration.problem();
     configuration_ = *configuration;
-    auto chosen = chooseDestination(configuration_, order_.destination, books_.lastDestination);
+    auto chosen = chooseDestination(configuration_, order_.destination, books_->lastDestination());
     if (!chosen)
         return chosen.problem();
     chosen_ = *chosen;
     run_.destination = chosen_.destination.id;
+    display_.setDestination(chosen_);
     const auto restic = findRestic();
     if (!restic)
         return Problem{"restic, which makes the backups, is not installed."};
@@ -155,34 +121,31 @@ Failure BackupRun::prepare() {
     if (!chosen_.folder.empty() && freeSpace(chosen_.folder).value_or(leastSpace) < leastSpace)
         return Problem{fmt::format("There is not enough space on the backup destination \"{}\".",
                                    chosen_.destination.name)};
-    // A backup that could not be marked as begun would leave no trace if it were killed.
-    books_.lastDestination = chosen_.destination.id;
-    record().unfinishedSince = run_.start;
-    return saveBookkeeping(folders_.state, books_);
+    return books_->begin(chosen_.destination.id, run_.start);
 }
 
 void BackupRun::copyAndThin() {
-    showPhase("MountingBackupVol");
+    display_.showPhase("MountingBackupVol");
     reporter_.started();
     const Keys keys(folders_.configuration);
     const auto& repositoryId = chosen_.destination.repositoryId;
     const Restic restic(restic_, {chosen_.address, keys.path(repositoryId), keys.credentials(repositoryId)},
-                        {stop_.descriptor(), [this] { showState(); }});
+                        {stop_.descriptor(), [this] { display_.show(); }});
     if (record().needsRepair)
         record().needsRepair = !repair(restic, log_);
     copy(restic);
     if (run_.outcome != Run::Outcome::Completed || stop_.requested())
         return;
-    showPhase("ThinningPostBackup");
+    display_.showPhase("ThinningPostBackup");
     // One that is killed meanwhile leaves a lock that would keep all later ones from thinning.
     record().needsRepair = true;
-    keepBooks();
+    books_->save();
     record().needsRepair = !thin(restic, run_.backup, run_.end, record(), log_);
-    keepBooks();
+    books_->save();
 }
 
 void BackupRun::copy(const Restic& restic) {
-    showPhase("Starting");
+    display_.showPhase("Starting");
     const auto begun = std::chrono::steady_clock::now();
     auto ended = runBackup(restic);
     if (!summary_ && !ended.stopped && readRefusal(ended.status, ended.errors) == Refusal::Locked) {
@@ -191,8 +154,8 @@ void BackupRun::copy(const Restic& restic) {
         ended = runBackup(restic);
     }
     constexpr int someUnreadable = 3;
-    run_.files = progress_.shown().files;
-    run_.bytes = progress_.shown().bytes;
+    run_.files = display_.progress().files;
+    run_.bytes = display_.progress().bytes;
     if (summary_ && destinationIsThere() && (ended.status == 0 || ended.status == someUnreadable)) {
         run_.added = summary_->added;
         run_.backup = summary_->snapshot;
@@ -215,15 +178,10 @@ Ended BackupRun::runBackup(const Restic& restic) {
     return restic.run(arguments, [this](std::string_view text) {
         const auto line = readBackupLine(text);
         if (const auto* status = std::get_if<CopyStatus>(&line)) {
-            progress_.take(*status);
-            if (progress_.allRead())
-                showPhase("Finishing");
-            else
-                showPhase(progress_.copying() ? "Copying" : "Starting");
+            display_.take(*status);
         } else if (const auto* summary = std::get_if<CopySummary>(&line)) {
             summary_ = *summary;
-            progress_.take(*summary);
-            showPhase("Finishing");
+            display_.take(*summary);
         }
     });
 }
@@ -237,7 +195,7 @@ bool BackupRun::destinationIsThere() const {
 std::int64_t BackupRun::skippedItems(const Ended& ended) const {
     constexpr std::int64_t many = 50;
     const auto named = std::max<std::int64_t>(countUnreadable(ended.errors), 1);
-    return named < many ? named : std::max(named, progress_.shown().errors);
+    return named < many ? named : std::max(named, display_.progress().errors);
 }
 
 std::string BackupRun::failureReason(const Ended& ended) const {
@@ -264,21 +222,7 @@ void BackupRun::close(Run::Outcome outcome, const std::string& reason) {
     run_.end = now();
     run_.outcome = outcome;
     run_.reason = reason;
-    auto history = loadHistory(folders_.state);
-    history.add(run_);
-    if (const auto problem = saveHistory(folders_.state, history))
-        log_.line(problem->text);
-    if (!run_.destination.empty())
-        record().unfinishedSince.reset();
-    keepBooks();
-
-    if (outcome == Run::Outcome::Completed)
-        log_.line(fmt::format("backup {} completed: {} files, {} bytes, {} bytes new, {} not readable",
-                              run_.backup, run_.files, run_.bytes, run_.added, run_.skipped));
-    else if (outcome == Run::Outcome::Stopped)
-        log_.line("the backup was stopped");
-    else
-        log_.line("the backup failed: " + reason);
+    const auto history = books_->close(run_);
     if (outcome == Run::Outcome::Stopped)
         reporter_.failed("The backup was stopped.");
     if (outcome != Run::Outcome::Failed)
@@ -286,35 +230,6 @@ void BackupRun::close(Run::Outcome outcome, const std::string& reason) {
     reporter_.failed(reason);
     if (!order_.userWatches)
         showOnDesktop(failureNotice(history, run_.end));
-}
-
-void BackupRun::keepBooks() {
-    if (const auto problem = saveBookkeeping(folders_.state, books_))
-        log_.line(problem->text);
-}
-
-void BackupRun::showPhase(const std::string& phase) {
-    if (phase != phase_)
-        phaseSince_ = now();
-    phase_ = phase;
-    showState();
-}
-
-void BackupRun::showState() const {
-    const bool copies = phase_ == "Copying" || phase_ == "Finishing";
-    plist::Dictionary state{
-        {"BackupPhase", phase_},
-        {"DateOfStateChange", phaseSince_},
-        {"Percent", copies ? progress_.percent() : -1.0},
-        {"Stopping", stop_.requested()},
-    };
-    if (copies)
-        state.emplace("Progress", progress_.dictionary());
-    if (!chosen_.destination.id.empty())
-        state.emplace("DestinationID", chosen_.destination.id);
-    if (!chosen_.folder.empty())
-        state.emplace("DestinationMountPoint", pathValue(chosen_.folder));
-    writeRunState(folders_, state);
 }
 
 } // namespace
