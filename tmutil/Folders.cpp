@@ -1,6 +1,6 @@
 #include "tmutil/Folders.h"
 
-#include "platform/posix/HomeFolder.h"
+#include "platform/posix/UserFolders.h"
 
 #include <cstdlib>
 #include <sys/stat.h>
@@ -12,20 +12,13 @@ namespace {
 
 constexpr auto own = "/tmutil";
 
-bool isUsersOwn(const std::string& folder) {
-    struct stat status {};
-    constexpr mode_t others = S_IWGRP | S_IWOTH;
-    return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
-           (status.st_mode & others) == 0;
-}
-
 /// The session's runtime folder, which a call from outside the session (cron, say) must find as well.
 std::optional<std::string> runtimeFolder() {
     if (const char* session = std::getenv("XDG_RUNTIME_DIR"); session != nullptr && *session == '/')
-        if (isUsersOwn(session))
+        if (isUsersOwnFolder(session))
             return session;
     auto usual = "/run/user/" + std::to_string(::geteuid());
-    return isUsersOwn(usual) ? std::optional(std::move(usual)) : std::nullopt;
+    return isUsersOwnFolder(usual) ? std::optional(std::move(usual)) : std::nullopt;
 }
 
 } // namespace

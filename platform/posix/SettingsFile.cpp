@@ -1,7 +1,7 @@
 #include "platform/posix/SettingsFile.h"
 
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/HomeFolder.h"
+#include "platform/posix/UserFolders.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>

@@ -1,5 +1,7 @@
 #include "platform/posix/SingleInstance.h"
 
+#include "platform/posix/UserFolders.h"
+
 #include <fmt/format.h>
 
 #include <cerrno>
@@ -19,14 +21,6 @@ namespace {
 constexpr auto lockName = "org.orvello.Orvello.lock";
 constexpr auto socketName = "org.orvello.Orvello.socket";
 constexpr std::string_view comeForward = "come forward";
-
-/// Whether the path is a folder, and no link to one, that only the user can write to.
-bool isUsersOwn(const std::string& folder) {
-    struct stat status {};
-    constexpr mode_t others = S_IWGRP | S_IWOTH;
-    return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
-           (status.st_mode & others) == 0;
-}
 
 /// The address of the socket in a folder. It names the folder by descriptor, as addresses are short and paths
 /// are not.
@@ -49,11 +43,11 @@ Descriptor openSocket() {
 
 std::string runtimeFolder() {
     if (const char* session = std::getenv("XDG_RUNTIME_DIR"); session != nullptr && *session == '/')
-        if (isUsersOwn(session))
+        if (isUsersOwnFolder(session))
             return session;
     const auto folder = fmt::format("/tmp/orvello-{}", ::geteuid());
     ::mkdir(folder.c_str(), 0700);
-    return isUsersOwn(folder) ? folder : std::string();
+    return isUsersOwnFolder(folder) ? folder : std::string();
 }
 
 SingleInstance::SingleInstance(const std::string& folder)

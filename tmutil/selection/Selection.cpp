@@ -1,6 +1,6 @@
 #include "tmutil/selection/Selection.h"
 
-#include "platform/posix/HomeFolder.h"
+#include "platform/posix/UserFolders.h"
 #include "tmutil/destinations/Places.h"
 
 #include <algorithm>

@@ -12,4 +12,7 @@ std::string homeFolder();
 /// the folder below the home folder. Empty when there is neither.
 std::string userFolder(const char* variable, const char* belowHome);
 
+/// Whether the path is a folder, and no link to one, that only the user can write to.
+bool isUsersOwnFolder(const std::string& path);
+
 } // namespace orvello

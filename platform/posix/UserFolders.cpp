@@ -1,8 +1,9 @@
-#include "platform/posix/HomeFolder.h"
+#include "platform/posix/UserFolders.h"
 
 #include <array>
 #include <cstdlib>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace orvello {
@@ -23,6 +24,13 @@ std::string userFolder(const char* variable, const char* belowHome) {
         return folder;
     const auto home = homeFolder();
     return home.empty() ? home : home + '/' + belowHome;
+}
+
+bool isUsersOwnFolder(const std::string& path) {
+    struct stat status {};
+    constexpr mode_t others = S_IWGRP | S_IWOTH;
+    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
+           (status.st_mode & others) == 0;
 }
 
 } // namespace orvello
