@@ -115,6 +115,7 @@ std::vector<Example> kindsOfChange(const std::vector<ZoneHistory>& histories) {
                 kind = {&zone, change};
         }
     std::vector<Example> examples;
+    examples.reserve(kinds.size());
     for (const auto& [key, example] : kinds)
         examples.push_back(example);
     return examples;

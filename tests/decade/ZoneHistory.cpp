@@ -98,6 +98,7 @@ std::vector<ZoneHistory> distinctHistories(Date from, Date to) {
         distinct.try_emplace({history.firstOffset, history.changes}, history);
     }
     std::vector<ZoneHistory> histories;
+    histories.reserve(distinct.size());
     for (auto& [key, history] : distinct)
         histories.push_back(std::move(history));
     return histories;

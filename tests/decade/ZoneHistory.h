@@ -18,6 +18,7 @@ struct ClockChange {
     /// The times that the clock shows around it: it skips what lies between them, or shows it again.
     Date earlierLocal() const { return at + std::min(before, after); }
     Date laterLocal() const { return at + std::max(before, after); }
+    // NOLINTNEXTLINE(modernize-use-nullptr): that 0, which the compiler compares an order with, is no pointer
     auto operator<=>(const ClockChange&) const = default;
 };
 
