@@ -1,5 +1,6 @@
 #include "platform/plist/PropertyList.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -75,7 +76,7 @@ TEST(PropertyList, RefusesValuesThatAreNone) {
     };
     for (const auto& [element, texts] : contents)
         for (const auto& text : texts) {
-            const auto whole = "<" + element + ">" + text + "</" + element + ">";
+            const auto whole = fmt::format("<{0}>{1}</{0}>", element, text);
             EXPECT_EQ(parse(element == "plist" ? whole : document(whole)), std::nullopt) << whole;
         }
 }
