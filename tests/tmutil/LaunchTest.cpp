@@ -51,7 +51,7 @@ TEST(Launch, HearsWhatIsReported) {
         const auto first = launch(workThat(row.says), Listen::UntilUnderWay);
         const auto last = launch(workThat(row.says), Listen::UntilTheEnd);
         // What follows "started" may be heard in the same breath.
-        EXPECT_TRUE(first.kind == row.untilUnderWay || (last.text != "" && first.text == last.text))
+        EXPECT_TRUE(first.kind == row.untilUnderWay || (!last.text.empty() && first.text == last.text))
             << row.says;
         EXPECT_EQ(last.kind, row.untilTheEnd) << row.says;
         EXPECT_EQ(last.text, row.text) << row.says;

@@ -73,7 +73,8 @@ TEST(Selection, LeavesItemsOut) {
     const auto expect = [&](bool excluded, const std::vector<std::string>& paths) {
         for (const auto& path : paths) {
             EXPECT_EQ(isExcluded(user.path(path), selection), excluded) << path;
-            EXPECT_EQ(isExcluded(real + '/' + path, selection), excluded) << path << ", link resolved";
+            EXPECT_EQ(isExcluded(std::string(real).append("/").append(path), selection), excluded)
+                << path << ", link resolved";
         }
     };
     expect(true, {".cache/deep/er", ".local/share/Trash/files/x", trash, "mount/" + trash + "/x",

@@ -58,8 +58,8 @@ TEST(Thinning, AYearOfHourlyBackups) {
     for (auto now = first; now < first + days(365); now += 1h) {
         times.push_back(now);
         const auto dropped = backupsToDrop(times, now + 5min, 120min);
-        for (auto position = dropped.rbegin(); position != dropped.rend(); ++position)
-            times.erase(times.begin() + static_cast<std::ptrdiff_t>(*position));
+        for (auto i = dropped.size(); i-- > 0;)
+            times.erase(times.begin() + static_cast<std::ptrdiff_t>(dropped[i]));
         ASSERT_EQ(times.back(), now);
         ASSERT_TRUE(hasNoHoles(times, now + 5min));
         ASSERT_LE(times.front() - first, days(7));
