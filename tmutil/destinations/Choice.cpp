@@ -26,16 +26,15 @@ Result<ChosenDestination> chooseDestination(const Configuration& configuration, 
     auto inTurn = configuration.destinations;
     if (inTurn.empty())
         return Problem{"No backup destination is set. \"tmutil setdestination\" sets one."};
-    const auto hasId = [](const std::string& wanted) {
-        return [&wanted](const Destination& destination) { return destination.id == wanted; };
-    };
     if (!id.empty()) {
         std::erase_if(inTurn, [&](const auto& destination) { return destination.id != id; });
         if (inTurn.empty())
             return Problem{fmt::format("There is no destination with the ID {}.", id)};
-    } else if (const auto last = std::find_if(inTurn.begin(), inTurn.end(), hasId(lastUsed));
-               last != inTurn.end()) {
-        std::rotate(inTurn.begin(), last + 1, inTurn.end());
+    } else {
+        const auto last = std::find_if(inTurn.begin(), inTurn.end(),
+                                       [&](const auto& destination) { return destination.id == lastUsed; });
+        if (last != inTurn.end())
+            std::rotate(inTurn.begin(), last + 1, inTurn.end());
     }
     for (const auto& destination : inTurn)
         if (auto chosen = reach(destination))
