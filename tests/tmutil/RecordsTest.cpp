@@ -39,9 +39,10 @@ TEST(Configuration, IsReadAsItWasSaved) {
 }
 
 TEST(Configuration, TakesWhatAPersonWrote) {
-    const plist::Dictionary complete{{"ID", "A"}, {"Location", "/d"}, {"RepositoryID", "aa"}};
+    const plist::Dictionary complete{
+        {"ID", "A"}, {"Location", "/d"}, {"RepositoryID", "aa"}, {"Note", "mine"}, {"PathOnFileSystem", ""}};
     plist::Array entries{complete, 7, "text"};
-    for (const auto& [key, value] : complete) {
+    for (const char* key : {"ID", "Location", "RepositoryID"}) {
         auto incomplete = complete;
         incomplete.erase(key);
         entries.emplace_back(incomplete);
@@ -57,8 +58,17 @@ TEST(Configuration, TakesWhatAPersonWrote) {
     EXPECT_EQ(configuration.destinations[0].location, "/d");
     EXPECT_EQ(configuration.sources, (std::vector<std::string>{"/a", "/\xff"}));
     EXPECT_TRUE(configuration.exclusions.empty());
-    writeConfiguration(configuration, content);
+    auto changed = configuration;
+    changed.destinations[0].location = "/moved";
+    changed.destinations.push_back({.id = "B", .location = "/e", .repositoryId = "bb"});
+    writeConfiguration(changed, content);
     EXPECT_EQ(*plist::find(content, "Note"), plist::Value("mine"));
+    const auto* written = plist::find(content, "Destinations")->as<plist::Array>();
+    ASSERT_EQ(written->size(), entries.size() + 1) << "nothing that a person wrote is lost";
+    const auto* moved = written->front().as<plist::Dictionary>();
+    EXPECT_EQ(*plist::find(*moved, "Note"), plist::Value("mine"));
+    EXPECT_EQ(*plist::find(*moved, "Location"), plist::Value("/moved"));
+    EXPECT_EQ(readConfiguration(content).destinations, changed.destinations);
     EXPECT_EQ(readConfiguration({}), Configuration{});
     EXPECT_EQ(readConfiguration({{"Sources", "no list"}}), Configuration{}) << "the home folder";
 }
@@ -112,6 +122,19 @@ TEST(History, IsReadAsItWasSaved) {
     history.add({utc(2026, 5, 3), utc(2026, 5, 3, 1), "", Outcome::Failed, "It is not there."});
     ASSERT_FALSE(saveHistory(folder.path(), history));
     EXPECT_EQ(loadHistory(folder.path()), history);
+}
+
+TEST(History, ThatIsDamagedIsBegunAnewAndKeptAside) {
+    const TemporaryFolder folder;
+    test::writeFile(folder / "history.plist", "half of a prop");
+    auto history = loadHistory(folder.path());
+    history.add({.start = utc(2026, 5, 1), .outcome = Outcome::Failed});
+    ASSERT_FALSE(saveHistory(folder.path(), history));
+    EXPECT_EQ(loadHistory(folder.path()), history);
+    int aside = 0;
+    for (const auto& file : std::filesystem::directory_iterator(folder.path()))
+        aside += test::readFile(file.path()) == "half of a prop" ? 1 : 0;
+    EXPECT_EQ(aside, 1);
 }
 
 TEST(History, ForgetsTheOldestRunsButNotTheLastSuccess) {

@@ -22,9 +22,22 @@ constexpr auto lockName = "/backup.lock";
 constexpr auto stateName = "/status.plist";
 constexpr auto client = "org.orvello.tmutil";
 
-/// A lock of the whole file that belongs to the opened file, not to the process: see fcntl(2).
-struct flock wholeFile(short type) {
-    return {.l_type = type, .l_whence = SEEK_SET, .l_start = 0, .l_len = 0, .l_pid = 0};
+/// The bytes of the file that are locked. They need not exist.
+enum Byte { RunningByte, NamedByte };
+
+/// A lock that belongs to the opened file, not to the process: see fcntl(2).
+struct flock lockOf(Byte byte) {
+    return {.l_type = F_WRLCK, .l_whence = SEEK_SET, .l_start = byte, .l_len = 1, .l_pid = 0};
+}
+
+bool take(int file, Byte byte) {
+    auto lock = lockOf(byte);
+    return ::fcntl(file, F_OFD_SETLK, &lock) == 0;
+}
+
+bool isTaken(int file, Byte byte) {
+    auto lock = lockOf(byte);
+    return ::fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
 }
 
 plist::Dictionary idleAnswer(const Folders& folders) {
@@ -42,40 +55,39 @@ plist::Dictionary idleAnswer(const Folders& folders) {
 } // namespace
 
 BackupLock::BackupLock(const Folders& folders)
-    : path_(folders.state + lockName)
-    , file_(::open(path_.c_str(), O_RDWR | O_CLOEXEC)) {
-    if (!file_ && errno == ENOENT) {
-        makeFolder(folders.state);
-        file_ = Descriptor(::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    }
-    error_ = file_ ? 0 : errno;
-}
+    : folder_(folders.state)
+    , file_(::open((folder_ + lockName).c_str(), O_RDWR | O_CLOEXEC)) {}
 
 bool BackupLock::acquire() {
-    auto lock = wholeFile(F_WRLCK);
-    if (!file_ || ::fcntl(file_.get(), F_OFD_SETLK, &lock) != 0)
-        return false;
+    if (!file_) {
+        makeFolder(folder_);
+        file_ = Descriptor(::open((folder_ + lockName).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    }
     const auto text = fmt::format("{}\n", ::getpid());
-    return ::ftruncate(file_.get(), 0) == 0 &&
-           ::pwrite(file_.get(), text.data(), text.size(), 0) == static_cast<ssize_t>(text.size());
+    const bool acquired = file_ && take(file_.get(), RunningByte) && ::ftruncate(file_.get(), 0) == 0 &&
+                          ::pwrite(file_.get(), text.data(), text.size(), 0) > 0 &&
+                          take(file_.get(), NamedByte);
+    error_ = acquired || errno == EAGAIN ? 0 : errno;
+    return acquired;
 }
 
 std::optional<pid_t> BackupLock::holder() const {
-    auto lock = wholeFile(F_WRLCK);
-    if (!file_ || ::fcntl(file_.get(), F_OFD_GETLK, &lock) != 0 || lock.l_type == F_UNLCK)
+    if (!file_ || !isTaken(file_.get(), RunningByte))
         return std::nullopt;
+    if (!isTaken(file_.get(), NamedByte))
+        return 0;
     std::array<char, 32> text{};
     const auto length = ::pread(file_.get(), text.data(), text.size(), 0);
     pid_t process = 0;
     if (length > 0)
         std::from_chars(text.data(), text.data() + length, process);
-    return process; // 0 for a moment, while it is being written
+    return process;
 }
 
 Failure BackupLock::problem() const {
-    if (file_)
+    if (error_ == 0)
         return std::nullopt;
-    return Problem{fmt::format("{}: {}.", path_, std::generic_category().message(error_))};
+    return Problem{fmt::format("{}: {}.", folder_ + lockName, std::generic_category().message(error_))};
 }
 
 void writeRunState(const Folders& folders, const plist::Dictionary& state) {

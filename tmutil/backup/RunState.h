@@ -17,16 +17,17 @@ class BackupLock {
   public:
     explicit BackupLock(const Folders& folders);
 
-    /// Takes the lock and notes who holds it. False when another process holds it, or there is nowhere to
-    /// keep it.
+    /// Takes the lock and notes who holds it. False when another process holds it, or there is a problem.
     bool acquire();
-    /// The process that holds it; none when nobody does. Asking takes nothing and disturbs nobody.
+    /// The process that holds it, 0 for the moment in which that has not noted itself yet; none when nobody
+    /// does. Asking takes nothing, makes nothing and disturbs nobody. One who asked before the first lock
+    /// ever was taken does not see it.
     std::optional<pid_t> holder() const;
-    /// Why there is no place for the lock; none when there is.
+    /// Why the lock could be taken by nobody; none when it was taken, or another process holds it.
     Failure problem() const;
 
   private:
-    std::string path_;
+    std::string folder_;
     Descriptor file_;
     int error_ = 0;
 };

@@ -59,10 +59,10 @@ class BackupRun {
         , display_(folders, stop_) {}
 
     void make() {
-        if (const auto problem = lock_.problem())
-            return reporter_.failed(problem->text);
-        if (!lock_.acquire())
-            return reporter_.busy();
+        if (!lock_.acquire()) {
+            const auto problem = lock_.problem();
+            return problem ? reporter_.failed(problem->text) : reporter_.busy();
+        }
         lowerPriority();
         run_.start = now();
         display_.showPhase("Starting");

@@ -45,7 +45,7 @@ Failure saveBookkeeping(const std::string& folder, const Bookkeeping& bookkeepin
         destinations.emplace(id, std::move(fields));
     }
     return PropertyListFile(folder + fileName)
-        .replace(
+        .replaceOrBeginAnew(
             {{"LastDestination", bookkeeping.lastDestination}, {"Destinations", std::move(destinations)}});
 }
 

@@ -4,6 +4,7 @@
 #include "tmutil/records/PropertyListFile.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace orvello::tmutil {
 
@@ -32,22 +33,29 @@ std::optional<Destination> readDestination(const plist::Value& value) {
     return complete ? std::optional(std::move(destination)) : std::nullopt;
 }
 
-plist::Value destinationFields(const Destination& destination) {
-    plist::Dictionary fields{
-        {"ID", destination.id},
-        {"Kind", destination.kind == Destination::Kind::Network ? network : local},
-        {"Name", pathValue(destination.name)},
-        {"Location", pathValue(destination.location)},
-        {"RepositoryID", destination.repositoryId},
+/// The fields of the destination with the identifier, as they were found; empty for a new one.
+plist::Dictionary fieldsOf(const plist::Array& entries, std::string_view id) {
+    for (const auto& entry : entries)
+        if (const auto* fields = entry.as<plist::Dictionary>(); fields && textField(*fields, "ID") == id)
+            return *fields;
+    return {};
+}
+
+void writeDestination(const Destination& destination, plist::Dictionary& fields) {
+    fields.insert_or_assign("ID", destination.id);
+    fields.insert_or_assign("Kind", destination.kind == Destination::Kind::Network ? network : local);
+    const auto write = [&fields](const char* key, const std::string& text) {
+        if (text.empty())
+            fields.erase(key);
+        else
+            fields.insert_or_assign(key, pathValue(text));
     };
-    const auto add = [&fields](const char* key, const std::string& text) {
-        if (!text.empty())
-            fields.emplace(key, pathValue(text));
-    };
-    add("RepositoryFolder", destination.repositoryFolder);
-    add("FileSystemUUID", destination.fileSystem);
-    add("PathOnFileSystem", destination.pathOnFileSystem);
-    return fields;
+    write("Name", destination.name);
+    write("Location", destination.location);
+    write("RepositoryID", destination.repositoryId);
+    write("RepositoryFolder", destination.repositoryFolder);
+    write("FileSystemUUID", destination.fileSystem);
+    write("PathOnFileSystem", destination.pathOnFileSystem);
 }
 
 } // namespace
@@ -72,10 +80,18 @@ Configuration readConfiguration(const plist::Dictionary& content) {
 }
 
 void writeConfiguration(const Configuration& configuration, plist::Dictionary& content) {
-    plist::Array destinations;
-    for (const auto& destination : configuration.destinations)
-        destinations.push_back(destinationFields(destination));
-    content.insert_or_assign("Destinations", std::move(destinations));
+    plist::Array entries;
+    if (const auto* found = plist::find(content, "Destinations"); found && found->as<plist::Array>())
+        entries = *found->as<plist::Array>();
+    plist::Array written;
+    for (const auto& destination : configuration.destinations) {
+        auto fields = fieldsOf(entries, destination.id);
+        writeDestination(destination, fields);
+        written.emplace_back(std::move(fields));
+    }
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(written),
+                 [](const plist::Value& entry) { return !readDestination(entry); });
+    content.insert_or_assign("Destinations", std::move(written));
     content.insert_or_assign("Exclusions", pathValues(configuration.exclusions));
     if (configuration.sources)
         content.insert_or_assign("Sources", pathValues(*configuration.sources));

@@ -100,7 +100,7 @@ Failure saveHistory(const std::string& folder, const History& history) {
         content.emplace("LastSuccess", *history.lastSuccess);
     if (history.firstRun)
         content.emplace("FirstRun", *history.firstRun);
-    return PropertyListFile(folder + fileName).replace(content);
+    return PropertyListFile(folder + fileName).replaceOrBeginAnew(content);
 }
 
 Notice failureNotice(const History& history, Date now) {

@@ -33,6 +33,12 @@ Failure PropertyListFile::replace(const plist::Dictionary& content) const {
     return std::nullopt;
 }
 
+Failure PropertyListFile::replaceOrBeginAnew(const plist::Dictionary& content) const {
+    if (!read())
+        SettingsFile(path_).setAside();
+    return replace(content);
+}
+
 Failure PropertyListFile::change(const std::function<Failure(plist::Dictionary&)>& edit) const {
     makeFolder(std::filesystem::path(path_).parent_path());
     // The lock is a file of its own, as the property list is another file after each change.

@@ -63,7 +63,12 @@ int startBackup(const Invocation& invocation) {
 }
 
 int stopBackup(const Invocation& invocation) {
-    const auto process = BackupLock(invocation.folders).holder();
+    const BackupLock lock(invocation.folders);
+    auto process = lock.holder();
+    for (int tries = 0; process == 0 && tries < 100; ++tries) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        process = lock.holder();
+    }
     if (!process || *process <= 0 || ::kill(*process, SIGTERM) == 0 || errno == ESRCH)
         return success;
     complain(fmt::format("The backup cannot be stopped: {}.", std::generic_category().message(errno)));
