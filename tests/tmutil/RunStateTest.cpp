@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <sys/resource.h>
 
 namespace orvello::tmutil {
 namespace {
@@ -46,6 +47,15 @@ TEST(RunState, ThereMayBeNoPlaceForTheLock) {
     ASSERT_TRUE(lock.problem());
     EXPECT_EQ(lock.problem()->text, folders.state + "/backup.lock: Not a directory.");
     EXPECT_EQ(lock.holder(), std::nullopt);
+
+    const auto onFullDisk = test::forked([&] {
+        const rlimit nothing{0, 0};
+        ::setrlimit(RLIMIT_FSIZE, &nothing);
+        ::signal(SIGXFSZ, SIG_IGN);
+        BackupLock full(user.folders);
+        return !full.acquire() && full.problem() ? 0 : 1;
+    });
+    EXPECT_EQ(test::exitStatus(onFullDisk), 0) << "is no backup of another process";
 }
 
 TEST(RunState, TellsWhatTheHolderSays) {
