@@ -6,8 +6,12 @@
 //                           end; garbage: answers with bytes that are no text; empty: prints nothing
 // Every call adds a line to calls.log: the time (UTC) and the arguments.
 
-#include "tests/player/Answers.h"
+#include "platform/plist/PropertyList.h"
+#include "platform/posix/Descriptor.h"
 #include "tests/player/BackupStory.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -42,22 +46,15 @@ Seconds backupLength() {
 }
 
 void logCall(const fs::path& folder, const std::vector<std::string>& arguments) {
-    const auto now = std::chrono::system_clock::now();
-    const auto milliseconds =
-        std::chrono::floor<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-    std::string line =
-        timeStamp(now, "%Y-%m-%dT%H:%M:%S.") + std::to_string(1000 + milliseconds).substr(1) + 'Z';
-    for (const std::string& argument : arguments) {
-        line += ' ' + argument;
-    }
-    line += '\n';
-    const int file = open((folder / "calls.log").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
-    if (file < 0 || write(file, line.data(), line.size()) < 0) {
+    using namespace std::chrono;
+    const auto now = floor<milliseconds>(system_clock::now());
+    const auto line =
+        fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z {}\n", fmt::gmtime(system_clock::to_time_t(now)),
+                    now.time_since_epoch().count() % 1000, fmt::join(arguments, " "));
+    const Descriptor file(
+        open((folder / "calls.log").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
+    if (!file || write(file.get(), line.data(), line.size()) < 0)
         std::perror("player: calls.log");
-    }
-    if (file >= 0) {
-        close(file);
-    }
 }
 
 /// The moments of start and stop request of the latest backup, kept as one file each. The folder stays locked
@@ -67,15 +64,12 @@ class State {
     explicit State(fs::path folder)
         : folder_(std::move(folder))
         , lock_(open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        flock(lock_, LOCK_EX);
+        flock(lock_.get(), LOCK_EX);
     }
-    State(const State&) = delete;
-    State& operator=(const State&) = delete;
-    ~State() { close(lock_); }
 
-    Moment moment() const {
-        const std::optional<Seconds> elapsed = since("started");
-        return elapsed ? momentOfBackup(backupLength(), *elapsed, since("stop")) : Moment{};
+    plist::Dictionary status() const {
+        const auto elapsed = since("started");
+        return elapsed ? statusOfBackup(backupLength(), *elapsed, since("stop")) : idleStatus();
     }
     void start() {
         fs::remove(folder_ / "stop");
@@ -86,43 +80,40 @@ class State {
   private:
     std::optional<Seconds> since(const char* name) const {
         Clock::rep ticks = 0;
-        if (!(std::ifstream(folder_ / name) >> ticks)) {
+        if (!(std::ifstream(folder_ / name) >> ticks))
             return std::nullopt;
-        }
         const Clock::duration passed = Clock::now().time_since_epoch() - Clock::duration(ticks);
-        if (passed.count() < 0) {
-            return std::nullopt; // Noted before the machine was restarted.
-        }
-        return passed;
+        // A negative one was noted before the machine was restarted.
+        return passed.count() < 0 ? std::nullopt : std::optional<Seconds>(passed);
     }
     void note(const char* name) {
         std::ofstream(folder_ / name) << Clock::now().time_since_epoch().count() << '\n';
     }
 
     fs::path folder_;
-    int lock_;
+    Descriptor lock_;
 };
 
-std::string answer(State& state, const std::vector<std::string>& arguments) {
+bool isTrue(const plist::Dictionary& status, const char* key) {
+    return plist::integerValue(plist::find(status, key)) != 0;
+}
+
+std::string answer(State state, const std::vector<std::string>& arguments) {
     const std::string verb = arguments.empty() ? "" : arguments.front();
     const bool asXml = arguments.size() == 2 && arguments[1] == "-X";
-    const Moment moment = state.moment();
-    if (verb == "status" && asXml) {
-        return statusAnswer(moment);
-    }
-    if (verb == "destinationinfo" && asXml) {
-        return destinationAnswer();
-    }
+    const auto status = state.status();
+    if (verb == "status" && asXml)
+        return plist::serialize(status);
+    if (verb == "destinationinfo" && asXml)
+        return plist::serialize(destinations());
     if (verb == "startbackup") {
-        if (!moment.isRunning()) {
+        if (!isTrue(status, "Running"))
             state.start();
-        }
         return "";
     }
     if (verb == "stopbackup") {
-        if (moment.isRunning() && !moment.stopping) {
+        if (isTrue(status, "Running") && !isTrue(status, "Stopping"))
             state.stop();
-        }
         return "";
     }
     return verb + ": Unrecognized verb.\n";
@@ -130,26 +121,15 @@ std::string answer(State& state, const std::vector<std::string>& arguments) {
 
 /// What is printed in place of the right answer; does not return for faults without an end.
 std::string withFault(const std::string& fault, const std::string& right) {
-    if (fault == "hang") {
-        for (;;) {
-            pause();
-        }
+    while (fault == "hang")
+        pause();
+    while (fault == "flood" && std::fputs(right.empty() ? "flood\n" : right.c_str(), stdout) >= 0) {
     }
-    if (fault == "flood") {
-        while (std::fputs(right.empty() ? "flood\n" : right.c_str(), stdout) >= 0) {
-        }
-        return "";
-    }
-    if (fault == "half") {
+    if (fault == "half")
         return right.substr(0, right.size() / 2);
-    }
-    if (fault == "garbage") {
+    if (fault == "garbage")
         return {"\xff\xfe\0<plist>\xc3\x28", 12};
-    }
-    if (fault == "empty") {
-        return "";
-    }
-    return right;
+    return fault == "empty" || fault == "flood" ? "" : right;
 }
 
 } // namespace
@@ -166,11 +146,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     logCall(folder, arguments);
-    std::string text;
-    {
-        State state(folder);
-        text = answer(state, arguments);
-    }
-    text = withFault(environment("ORVELLO_PLAYER_FAULT", ""), text);
+    const auto right = answer(State(folder), arguments);
+    const auto text = withFault(environment("ORVELLO_PLAYER_FAULT", ""), right);
     return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() ? 0 : 1;
 }
