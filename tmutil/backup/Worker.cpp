@@ -81,6 +81,7 @@ class BackupRun {
     Ended runBackup(const Restic& restic);
     void close(Run::Outcome outcome, const std::string& reason);
     bool destinationIsThere() const;
+    bool userIsTold() const;
     std::int64_t skippedItems(const Ended& ended) const;
     std::string failureReason(const Ended& ended) const;
     DestinationRecord& record() { return books_->record(chosen_.destination.id); }
@@ -99,6 +100,7 @@ class BackupRun {
     std::string restic_; ///< the program's path
     Run run_;
     std::optional<CopySummary> summary_;
+    bool underWay_ = false; ///< the caller has been told so
 };
 
 /// Everything that can be known to be in the way before anything is touched.
@@ -126,6 +128,7 @@ Failure BackupRun::prepare() {
 
 void BackupRun::copyAndThin() {
     display_.showPhase("MountingBackupVol");
+    underWay_ = true;
     reporter_.started();
     const Keys keys(folders_.configuration);
     const auto& repositoryId = chosen_.destination.repositoryId;
@@ -190,6 +193,11 @@ bool BackupRun::destinationIsThere() const {
     return chosen_.folder.empty() || isRepository(chosen_.address);
 }
 
+/// Whether the caller shows the user that the backup has failed.
+bool BackupRun::userIsTold() const {
+    return order_.watched && (*order_.watched == Listen::UntilTheEnd || !underWay_);
+}
+
 /// How many items could not be read. The progress does not count the last ones, and some twice; the errors
 /// name each once, but only the last of many are kept.
 std::int64_t BackupRun::skippedItems(const Ended& ended) const {
@@ -228,7 +236,7 @@ void BackupRun::close(Run::Outcome outcome, const std::string& reason) {
     if (outcome != Run::Outcome::Failed)
         return;
     reporter_.failed(reason);
-    if (!order_.userWatches)
+    if (!userIsTold())
         showOnDesktop(failureNotice(history, run_.end));
 }
 

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -38,12 +39,14 @@ int waitForOther(const Folders& folders) {
 
 int startBackup(const Invocation& invocation) {
     const bool block = invocation.has("--block");
+    const auto listen = block ? Listen::UntilTheEnd : Listen::UntilUnderWay;
+    const bool userWatches = !invocation.has("--auto") && ::isatty(STDERR_FILENO) == 1;
     const BackupOrder order{
         .destination = invocation.value("-d"),
-        .userWatches = !invocation.has("--auto") && ::isatty(STDERR_FILENO) == 1,
+        .watched = userWatches ? std::optional(listen) : std::nullopt,
     };
-    const auto report = launch([&](Reporter& reporter) { makeBackup(invocation.folders, order, reporter); },
-                               block ? Listen::UntilTheEnd : Listen::UntilUnderWay);
+    const auto report =
+        launch([&](Reporter& reporter) { makeBackup(invocation.folders, order, reporter); }, listen);
     switch (report.kind) {
     case Report::Kind::Started:
         return success;

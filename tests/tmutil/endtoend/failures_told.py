@@ -6,7 +6,7 @@ import os
 import socket
 import unittest
 
-from machine import Machine, enter_private_mounts, main, make_private_devices, needs_private_mounts, wait_until
+from machine import PATIENCE, Machine, enter_private_mounts, main, make_private_devices, needs_private_mounts, wait_until
 
 SERVICE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "notification_service.py")
 
@@ -23,6 +23,13 @@ class FailuresTold(unittest.TestCase):
         self.addCleanup(process.communicate)
         self.addCleanup(process.kill)
         return process
+
+    def call_at_terminal(self, *arguments):
+        """The exit status of a call whose complaints go to a terminal."""
+        ends = os.openpty()
+        for end in ends:
+            self.addCleanup(os.close, end)
+        return self.machine.popen(self.machine.tool, *arguments, stderr=ends[1], stdout=None).wait(PATIENCE)
 
     def test_on_the_desktop(self):
         machine = self.machine
@@ -41,7 +48,22 @@ class FailuresTold(unittest.TestCase):
             self.assertEqual(failures, len(machine.history()))
             failure = machine.status()["LastFailure"]
             self.assertEqual((failures, machine.history()[-1]["Reason"]), (failure["FailuresInARow"], failure["Reason"]))
+        # A user at a terminal is told there, as long as the call lasts.
+        self.assertEqual(1, self.call_at_terminal("startbackup"))
+        machine.wait_for_idle()
         os.rename(machine.path("away"), self.disk)
+        key = machine.key_file(os.path.join(self.disk, "Backups.restic"))
+        os.rename(key, key + ".right")
+        with open(key, "w", encoding="ascii") as file:
+            file.write("wrong\n")
+        self.assertEqual(1, self.call_at_terminal("startbackup", "--block"))
+        machine.wait_for_idle()
+        self.assertEqual(0, self.call_at_terminal("startbackup"))
+        title, body, _ = json.loads(service.stdout.readline())
+        self.assertEqual("The last 7 backups failed", title)
+        self.assertIn("does not open it", body)
+        machine.wait_for_idle()
+        os.rename(key + ".right", key)
         machine.back_up()
         self.assertNotIn("LastFailure", machine.status())
 
