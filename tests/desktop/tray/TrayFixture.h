@@ -35,23 +35,16 @@ class TrayTest : public testing::Test, public MenuDelegate {
         return true;
     }
 
-    /// Menu host times: no word of a host means much, unless the test says otherwise.
-    void start(MenuHostTimes times = {std::chrono::hours(1), std::chrono::seconds(0)}) {
-        tray.emplace(busAddress);
+    /// The item is there when this returns, if a host is.
+    void start(MenuHostTimes times = {.silence = std::chrono::hours(1), .fetch = {}}) {
+        tray.emplace(TrayBus::sessionAddress());
         item = std::make_unique<TrayItem>(*tray, images, times);
         item->setImage("TMRotatingArrow");
         item->setAlternateImage("TMRotatingArrowAlternate");
         item->setMenu(menu);
+        ASSERT_TRUE(!host.hasHost() || waitUntil([this] { return !host.registrations.isEmpty(); }));
     }
 
-    /// Starts with a host on the bus and waits until the item is there.
-    void startOnHost(MenuHostTimes times = {std::chrono::hours(1), std::chrono::seconds(0)}) {
-        host.appear(true);
-        start(times);
-        ASSERT_TRUE(waitUntil([this] { return host.registrations.size() == 1; }));
-    }
-
-    QString busAddress = TrayBus::sessionAddress();
     DesktopRunLoop runLoop;
     Menu menu{runLoop};
     MenuItem& status = menu.addItem("Idle_ & ready\tnow");
@@ -65,7 +58,7 @@ class TrayTest : public testing::Test, public MenuDelegate {
     int backUps = 0;
     std::function<void()> onValidation;
 
-    FakeHost host{busAddress};
+    FakeHost host{TrayBus::sessionAddress()};
     DesktopImages images;
     std::optional<Tray> tray;
     std::unique_ptr<TrayItem> item;
