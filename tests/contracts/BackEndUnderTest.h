@@ -8,29 +8,27 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace orvello {
 
 /// What a tool made by a back end's driver does.
 struct TestTool {
-    std::string output;
-    std::string errorOutput;      ///< on standard error, behind the output
-    bool printsArguments = false; ///< one a line, before the output
-    bool hangs = false;           ///< never ends
+    std::string output;      ///< behind its arguments, of which it prints one a line
+    std::string errorOutput; ///< on standard error, behind the output
+    bool hangs = false;      ///< never ends
 };
 
-/// Drives one back end for the contract tests: it is the user, the session and the time around it. Texts are
-/// in English (en_GB) and the zone is Europe/Berlin. On a desktop time is real, so that tests count and
-/// order, and never measure.
+/// Drives one back end for the contract tests: it is the user, the session with its tray, and the time around
+/// it. Texts are in English (en_GB) and the zone is Europe/Berlin. On a desktop time is real, so that tests
+/// count and order, and never measure.
 class BackEndUnderTest {
   public:
     virtual ~BackEndUnderTest() = default;
 
     /// The parts of the program's current run; those of an earlier one are gone.
     virtual Platform platform() = 0;
-    /// Ends the program in good order and starts it again with the same settings and login items.
+    /// Ends the program in good order and starts it again with the same settings.
     virtual void restart() = 0;
 
     /// A time that timers of the tests may count by: long enough for this back end to tell from a delay.
@@ -57,21 +55,6 @@ class BackEndUnderTest {
 
     /// A new tool; returns its path.
     virtual std::string makeTool(const TestTool& tool) = 0;
-
-    /// Objects of the I/O registry that are handed out and not released.
-    virtual std::size_t registryObjectCount() const = 0;
-    /// The user closes the preferences window.
-    virtual void closePreferencesWindow() = 0;
-    /// Whether the session would start the program at login.
-    virtual bool startsAtLogin() const = 0;
-
-    /// What follows cannot be had on every session: false then, and the tests that need it are skipped.
-    virtual bool setIdleTime(std::optional<std::chrono::milliseconds> idle) = 0;
-    virtual bool setTray(bool present) = 0;
-    /// Makes the session refuse changes of the login item from now on.
-    virtual bool refuseLoginItem() = 0;
-    /// The name of the status item's image that is to be seen, empty for none; none when it cannot be told.
-    virtual std::optional<std::string> shownImage() const = 0;
 };
 
 /// A back end in its first run. Every test program brings its own.

@@ -38,22 +38,6 @@ class HeadlessBackEnd : public BackEndUnderTest {
         tools_.emplace(path, tool);
         return path;
     }
-    std::size_t registryObjectCount() const override { return machine_->ioRegistry().objectCount(); }
-    void closePreferencesWindow() override { machine_->preferencesWindow().close(); }
-    bool startsAtLogin() const override { return machine_->loginItem().isEnabled(); }
-    bool setIdleTime(std::optional<std::chrono::milliseconds> idle) override {
-        machine_->setIdleTime(idle);
-        return true;
-    }
-    bool setTray(bool present) override {
-        machine_->setTray(present);
-        return true;
-    }
-    bool refuseLoginItem() override {
-        machine_->loginItem().setRefusing(true);
-        return true;
-    }
-    std::optional<std::string> shownImage() const override { return machine_->tray().shownImage(); }
 
   private:
     void start(const headless::Configuration& configuration) {
@@ -62,13 +46,12 @@ class HeadlessBackEnd : public BackEndUnderTest {
     }
     headless::ToolAnswer run(const UserTask& task) {
         const auto& tool = tools_.at(task.path);
-        headless::ToolAnswer answer{.output = {}, .errorOutput = tool.errorOutput};
-        if (tool.printsArguments)
-            answer.output = fmt::format("{}\n", fmt::join(task.arguments, "\n"));
-        answer.output += tool.output;
-        if (tool.hangs)
-            answer.duration = headless::forever;
-        return answer;
+        std::string output;
+        for (const auto& argument : task.arguments)
+            output += argument + '\n';
+        return {.output = output + tool.output,
+                .errorOutput = tool.errorOutput,
+                .duration = tool.hangs ? headless::forever : std::chrono::nanoseconds(0)};
     }
 
     std::map<std::string, TestTool> tools_;

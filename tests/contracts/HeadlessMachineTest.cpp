@@ -10,66 +10,48 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-class HeadlessMachine : public testing::Test {
-  protected:
-    std::shared_ptr<Timer> addTimer(std::function<void()> action) {
-        auto timer = machine.platform().runLoop.makeTimer(1min, std::move(action));
-        machine.platform().runLoop.addTimer(timer, RunLoopMode::Common);
-        return timer;
-    }
-
+TEST(HeadlessMachine, AProgramThatEndsInAnAlertGetsNoAnswerAndNothingElse) {
     Machine machine;
+    const auto platform = machine.platform();
     std::vector<std::string> notes;
-};
-
-TEST_F(HeadlessMachine, NothingReachesAProgramThatHasEnded) {
-    Menu menu(machine.platform().runLoop);
-    const auto item = machine.platform().statusBar.makeStatusItem();
+    const auto note = [&](const char* text) { return [&notes, text] { notes.emplace_back(text); }; };
+    Menu menu(platform.runLoop);
+    const auto item = platform.statusBar.makeStatusItem();
     item->setMenu(menu);
-    menu.addItem("Quit").setAction([&] {
-        machine.platform().application.terminate();
-        notes.emplace_back("event finished");
-        machine.platform().alerts.runModal({.message = "Too late"});
+    menu.addItem("Entry").setAction(note("chosen"));
+    const auto timer = platform.runLoop.makeTimer(2min, note("timer"));
+    const auto quit = platform.runLoop.makeTimer(1min, [&] { platform.application.terminate(); });
+    for (const auto& scheduled : {timer, quit})
+        platform.runLoop.addTimer(scheduled, RunLoopMode::Common);
+    const auto ask = [&] {
+        platform.alerts.runModal({.message = "Alert"});
         notes.emplace_back("answered");
+    };
+    machine.alerts().answerNext([&](const Alert&) {
+        note("outer")();
+        ask();
+        return AlertResponse::Default;
     });
-    const auto timer = addTimer([&] { notes.emplace_back("timer"); });
-    EXPECT_TRUE(machine.choose("Quit"));
-    machine.advance(1h);
-    machine.perform([&] { notes.emplace_back("event"); });
-    EXPECT_FALSE(machine.openMenu());
-    EXPECT_FALSE(machine.choose("Quit"));
-    EXPECT_THAT(notes, ElementsAre("event finished"));
-    EXPECT_TRUE(machine.alerts().shown().empty());
-}
-
-TEST_F(HeadlessMachine, AProgramThatEndsInAnAlertGetsNoAnswer) {
-    const auto quit = addTimer([&] { machine.platform().application.terminate(); });
-    for (const char* depth : {"outer", "inner"})
-        machine.alerts().answerNext([&, depth](const Alert&) {
-            notes.emplace_back(depth);
-            if (depth == std::string("outer"))
-                machine.platform().alerts.runModal({.message = "Inner"});
-            machine.advance(1h);
-            return AlertResponse::Default;
-        });
-    machine.perform([&] {
-        machine.platform().alerts.runModal({.message = "Outer"});
-        notes.emplace_back("answered");
+    machine.alerts().answerNext([&](const Alert&) {
+        note("inner")();
+        machine.advance(1h);
+        return AlertResponse::Default;
     });
-    EXPECT_THAT(notes, ElementsAre("outer", "inner"));
+    machine.perform(ask);
     EXPECT_TRUE(machine.hasEnded());
     EXPECT_EQ(machine.alerts().shown().last().response, std::nullopt);
+    machine.advance(1h);
+    machine.perform(ask);
+    EXPECT_FALSE(machine.openMenu());
+    EXPECT_FALSE(machine.choose("Entry"));
+    EXPECT_THAT(notes, ElementsAre("outer", "inner"));
 }
 
-TEST(Record, KeepsTheLatestAndCountsAll) {
-    Record<int> record;
-    record.setCapacity(2);
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(record.add(i), static_cast<std::size_t>(i));
-    EXPECT_THAT(record.entries(), ElementsAre(3, 4));
-    EXPECT_EQ(record.count(), 5U);
-    EXPECT_EQ(*record.entry(3), 3);
-    EXPECT_EQ(record.entry(2), nullptr);
+TEST(HeadlessMachine, HasNoIdleServiceWithoutASource) {
+    Machine machine;
+    machine.setIdleTime(std::nullopt);
+    const auto services = machine.ioRegistry().serviceGetMatchingServices("IOHIDSystem");
+    EXPECT_EQ(machine.ioRegistry().iteratorNext(services.value()), 0U);
 }
 
 } // namespace

@@ -1,16 +1,18 @@
 #include "platform/Application.h"
-#include "platform/Log.h"
 #include "platform/RunLoop.h"
 #include "platform/desktop/AlertDialog.h"
 #include "platform/desktop/DesktopPlatform.h"
+#include "platform/desktop/linux/DBusMenuTypes.h"
+#include "platform/desktop/linux/TrayBus.h"
+#include "platform/desktop/linux/TrayText.h"
 #include "tests/contracts/BackEndUnderTest.h"
 #include "tests/desktop/EventLoop.h"
-#include "tests/desktop/FakeIdleMonitor.h"
-#include "tests/desktop/StatusItemUser.h"
+#include "tests/desktop/RecordedLog.h"
+#include "tests/desktop/tray/FakeHost.h"
 
 #include <QApplication>
+#include <QDBusArgument>
 #include <QDialogButtonBox>
-#include <QPointer>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -25,11 +27,6 @@ namespace orvello {
 namespace {
 
 namespace fs = std::filesystem;
-
-class SilentLog : public Log {
-  protected:
-    void write(const std::string& /*line*/) override {}
-};
 
 /// Answers alerts when they appear, in the order in which they open.
 class AlertUser : public QObject {
@@ -67,6 +64,51 @@ class AlertUser : public QObject {
     std::deque<std::function<AlertResponse()>> answers_;
 };
 
+/// The user in front of a tray on the session bus with one status item.
+class StatusItemUser {
+  public:
+    StatusItemUser() {
+        registerDBusMenuTypes();
+        host_.appear(true);
+    }
+
+    bool openMenu() {
+        open_ = waitUntil([this] { return !host_.registrations.isEmpty(); });
+        if (open_)
+            tell(0, QStringLiteral("opened"));
+        return open_;
+    }
+    void closeMenu() {
+        if (std::exchange(open_, false))
+            tell(0, QStringLiteral("closed"));
+    }
+    bool choose(const std::string& title) {
+        if (!open_ && !openMenu())
+            return false;
+        const auto label = menuLabel(title, u'_');
+        const auto reply = host_.callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()});
+        const auto layout = qdbus_cast<DBusMenuLayout>(reply.arguments().value(1));
+        for (const auto& entry : layout.children) {
+            const auto has = [&](const char* name) { return entry.properties.value(QLatin1String(name)); };
+            if (has("label") != label || has("enabled") == false || has("visible") == false)
+                continue;
+            tell(entry.id, QStringLiteral("clicked"));
+            closeMenu();
+            return true;
+        }
+        return false;
+    }
+
+  private:
+    void tell(int entry, const QString& event) {
+        host_.callMenu(QStringLiteral("Event"),
+                       {entry, event, QVariant::fromValue(QDBusVariant(QString())), 0U});
+    }
+
+    FakeHost host_{TrayBus::sessionAddress()};
+    bool open_ = false;
+};
+
 /// The desktop on the private display and bus that the test program was started on.
 class DesktopBackEnd : public BackEndUnderTest {
   public:
@@ -75,8 +117,6 @@ class DesktopBackEnd : public BackEndUnderTest {
         qputenv("XDG_CONFIG_HOME", config);
         qputenv("LC_ALL", "en_GB.UTF-8");
         qputenv("TZ", "Europe/Berlin");
-        qputenv("XDG_SESSION_TYPE", "wayland"); // so that the idle time is the monitor's on the bus
-        user_.showTray();
         desktop_.emplace(log_);
     }
 
@@ -102,43 +142,12 @@ class DesktopBackEnd : public BackEndUnderTest {
     }
 
     std::string makeTool(const TestTool& tool) override;
-    std::size_t registryObjectCount() const override { return registry().objectCount(); }
-    void closePreferencesWindow() override {
-        for (auto* window : QApplication::topLevelWidgets())
-            if (window->isVisible() && window->windowTitle() == QStringLiteral("Orvello Preferences"))
-                window->close();
-    }
-    bool startsAtLogin() const override { return fs::exists(autostart() / "org.orvello.Orvello.desktop"); }
-    bool setIdleTime(std::optional<std::chrono::milliseconds> idle) override;
-    bool setTray(bool present) override {
-        if (!present) {
-            user_.hideTray();
-            return true;
-        }
-        // The item is waited for here: asking whether there is a tray waits for the tray's answer, and this
-        // one lives on the same thread.
-        user_.showTray();
-        return user_.findItem();
-    }
-    bool refuseLoginItem() override {
-        fs::remove_all(autostart());
-        std::ofstream(autostart()) << "not a folder";
-        return true;
-    }
-    std::optional<std::string> shownImage() const override { return user_.shownImage(); }
 
   private:
-    fs::path autostart() const { return fs::path(home_.path().toStdString()) / "autostart"; }
-    IdleServiceRegistry& registry() const {
-        // cppcheck-suppress returnTempReference ; nothing here is a temporary
-        return dynamic_cast<IdleServiceRegistry&>(const_cast<DesktopBackEnd*>(this)->platform().ioRegistry);
-    }
-
     QTemporaryDir home_;
-    SilentLog log_;
+    RecordedLog log_;
     AlertUser alerts_;
-    mutable StatusItemUser user_;
-    std::optional<FakeIdleMonitor> idleMonitor_;
+    StatusItemUser user_;
     std::optional<DesktopPlatform> desktop_;
     int tools_ = 0;
 };
@@ -163,29 +172,11 @@ std::string DesktopBackEnd::makeTool(const TestTool& tool) {
     auto base = home_.path().toStdString() + "/tool" + std::to_string(++tools_);
     std::ofstream(base + ".out") << tool.output;
     std::ofstream(base + ".err") << tool.errorOutput;
-    std::ofstream script(base);
-    script << "#!/bin/sh\n";
-    if (tool.printsArguments)
-        script << "printf '%s\\n' \"$@\"\n";
-    script << "cat \"$0.out\"\ncat \"$0.err\" >&2\n";
-    if (tool.hangs)
-        script << "exec sleep 1000\n";
-    script.close();
+    std::ofstream(base) << "#!/bin/sh\nfor argument; do printf '%s\\n' \"$argument\"; done\n"
+                        << "cat \"$0.out\"\ncat \"$0.err\" >&2\n"
+                        << (tool.hangs ? "exec sleep 1000\n" : "");
     fs::permissions(base, fs::perms::owner_all);
     return base;
-}
-
-bool DesktopBackEnd::setIdleTime(std::optional<std::chrono::milliseconds> idle) {
-    idleMonitor_.reset();
-    if (!idle)
-        return true;
-    const auto lastInput = std::chrono::steady_clock::now() - *idle;
-    idleMonitor_.emplace(MutterIdleSource::mutter());
-    idleMonitor_->setAnswer([lastInput] {
-        const auto time = std::chrono::steady_clock::now() - lastInput;
-        return static_cast<qulonglong>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
-    });
-    return true;
 }
 
 } // namespace
