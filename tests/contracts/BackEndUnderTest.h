@@ -14,9 +14,8 @@ namespace orvello {
 
 /// What a tool made by a back end's driver does.
 struct TestTool {
-    std::string output;      ///< behind its arguments, of which it prints one a line
-    std::string errorOutput; ///< on standard error, behind the output
-    bool hangs = false;      ///< never ends
+    std::string output; ///< behind its arguments, of which it prints one a line
+    bool hangs = false; ///< never ends
 };
 
 /// Drives one back end for the contract tests: it is the user, the session with its tray, and the time around
@@ -28,7 +27,7 @@ class BackEndUnderTest {
 
     /// The parts of the program's current run; those of an earlier one are gone.
     virtual Platform platform() = 0;
-    /// Ends the program in good order and starts it again with the same settings.
+    /// Starts the program again, with the same settings, once it has ended.
     virtual void restart() = 0;
 
     /// A time that timers of the tests may count by: long enough for this back end to tell from a delay.
@@ -48,10 +47,9 @@ class BackEndUnderTest {
     virtual void closeMenu() = 0;
     virtual bool choose(const std::string& title) = 0;
 
-    /// The user's answer to an alert to come, used once, in the order in which alerts open. The function runs
-    /// while the alert is open; then the button is pressed, or Escape for an alternate button that is not
-    /// there.
-    virtual void answerNextAlert(std::function<AlertResponse()> answer) = 0;
+    /// What the user does while the next alert is open, before choosing its default button. It is used once,
+    /// in the order in which alerts open.
+    virtual void answerNextAlert(std::function<void()> meanwhile) = 0;
 
     /// A new tool; returns its path.
     virtual std::string makeTool(const TestTool& tool) = 0;

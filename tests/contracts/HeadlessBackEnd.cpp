@@ -13,24 +13,23 @@ class HeadlessBackEnd : public BackEndUnderTest {
     HeadlessBackEnd() { start({}); }
 
     Platform platform() override { return machine_->platform(); }
-    void restart() override {
-        perform([this] { platform().application.terminate(); });
-        start({.start = machine_->now(), .disk = machine_->disk()});
-    }
+    void restart() override { start({.start = machine_->now(), .disk = machine_->disk()}); }
     std::chrono::milliseconds unit() const override { return std::chrono::seconds(1); }
     std::chrono::nanoseconds uptime() const override { return machine_->uptime(); }
     void pass(std::chrono::milliseconds duration) override { machine_->advance(duration); }
     void block(std::chrono::milliseconds duration) override {
-        const auto path = makeTool({.hangs = true});
-        machine_->tools().run({.path = path, .arguments = {}, .timeLimit = duration});
+        dynamic_cast<headless::VirtualRunLoop&>(platform().runLoop).block(duration);
     }
     void perform(const std::function<void()>& event) override { machine_->perform(event); }
 
     bool openMenu() override { return machine_->openMenu(); }
     void closeMenu() override { machine_->closeMenu(); }
     bool choose(const std::string& title) override { return machine_->choose(title); }
-    void answerNextAlert(std::function<AlertResponse()> answer) override {
-        machine_->alerts().answerNext([answer = std::move(answer)](const Alert&) { return answer(); });
+    void answerNextAlert(std::function<void()> meanwhile) override {
+        machine_->alerts().answerNext([meanwhile = std::move(meanwhile)](const Alert&) {
+            meanwhile();
+            return AlertResponse::Default;
+        });
     }
     std::string makeTool(const TestTool& tool) override {
         auto path = fmt::format("/tools/{}", tools_.size());
@@ -50,7 +49,7 @@ class HeadlessBackEnd : public BackEndUnderTest {
         for (const auto& argument : task.arguments)
             output += argument + '\n';
         return {.output = output + tool.output,
-                .errorOutput = tool.errorOutput,
+                .errorOutput = {},
                 .duration = tool.hangs ? headless::forever : std::chrono::nanoseconds(0)};
     }
 

@@ -12,11 +12,8 @@
 
 #include <QApplication>
 #include <QDBusArgument>
-#include <QDialogButtonBox>
-#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
 
 #include <deque>
 #include <filesystem>
@@ -32,36 +29,25 @@ namespace fs = std::filesystem;
 class AlertUser : public QObject {
   public:
     AlertUser() { qApp->installEventFilter(this); }
-    void answerNext(std::function<AlertResponse()> answer) { answers_.push_back(std::move(answer)); }
+    void answerNext(std::function<void()> meanwhile) { answers_.push_back(std::move(meanwhile)); }
 
     bool eventFilter(QObject* object, QEvent* event) override {
         auto* dialog = event->type() == QEvent::Show ? dynamic_cast<AlertDialog*>(object) : nullptr;
         if (dialog && !event->spontaneous())
-            callSoon(dialog, [this, dialog] { answer(*dialog); });
+            QTimer::singleShot(0, dialog, [this, dialog] { answer(*dialog); });
         return false;
     }
 
   private:
     void answer(AlertDialog& dialog) {
-        if (answers_.empty()) {
-            ADD_FAILURE() << "unexpected alert: " << dialog.windowTitle().toStdString();
-            dialog.close();
-            return;
-        }
-        const auto answer = std::move(answers_.front());
+        ASSERT_FALSE(answers_.empty()) << "unexpected alert: " << dialog.windowTitle().toStdString();
+        const auto meanwhile = std::move(answers_.front());
         answers_.pop_front();
-        const auto response = answer();
-        const auto role = response == AlertResponse::Default     ? QDialogButtonBox::AcceptRole
-                          : response == AlertResponse::Alternate ? QDialogButtonBox::RejectRole
-                                                                 : QDialogButtonBox::ActionRole;
-        const auto* box = dialog.findChild<QDialogButtonBox*>();
-        for (auto* button : box->buttons())
-            if (box->buttonRole(button) == role)
-                return QTest::mouseClick(button, Qt::LeftButton);
-        QTest::keyClick(&dialog, Qt::Key_Escape);
+        meanwhile();
+        QTest::keyClick(&dialog, Qt::Key_Return);
     }
 
-    std::deque<std::function<AlertResponse()>> answers_;
+    std::deque<std::function<void()>> answers_;
 };
 
 /// The user in front of a tray on the session bus with one status item.
@@ -122,7 +108,6 @@ class DesktopBackEnd : public BackEndUnderTest {
 
     Platform platform() override { return desktop_->platform(); }
     void restart() override {
-        perform([this] { platform().application.terminate(); });
         desktop_.reset();
         desktop_.emplace(log_);
     }
@@ -137,10 +122,9 @@ class DesktopBackEnd : public BackEndUnderTest {
     bool openMenu() override { return user_.openMenu(); }
     void closeMenu() override { user_.closeMenu(); }
     bool choose(const std::string& title) override { return user_.choose(title); }
-    void answerNextAlert(std::function<AlertResponse()> answer) override {
-        alerts_.answerNext(std::move(answer));
+    void answerNextAlert(std::function<void()> meanwhile) override {
+        alerts_.answerNext(std::move(meanwhile));
     }
-
     std::string makeTool(const TestTool& tool) override;
 
   private:
@@ -153,27 +137,19 @@ class DesktopBackEnd : public BackEndUnderTest {
 };
 
 void DesktopBackEnd::perform(const std::function<void()>& event) {
-    // Only the outermost loop knows when the program is to end; it must be the application's own.
-    QEventLoop nested;
-    const bool outermost = QThread::currentThread()->loopLevel() == 0;
-    const auto over = std::make_shared<bool>(false); // an event that ends the program leaves work undone
-    callSoon(qApp, [&] {
+    QTimer::singleShot(0, qApp, [&] {
         event();
-        platform().runLoop.performSoon([&, over] { // behind what the event deferred
-            if (!*over)
-                outermost ? QCoreApplication::exit() : nested.quit();
-        });
+        // Behind what the event deferred. An event that ends the program leaves this undone.
+        platform().runLoop.performSoon([] { QCoreApplication::exit(); });
     });
-    outermost ? QApplication::exec() : nested.exec();
-    *over = true;
+    QApplication::exec();
 }
 
 std::string DesktopBackEnd::makeTool(const TestTool& tool) {
     auto base = home_.path().toStdString() + "/tool" + std::to_string(++tools_);
     std::ofstream(base + ".out") << tool.output;
-    std::ofstream(base + ".err") << tool.errorOutput;
     std::ofstream(base) << "#!/bin/sh\nfor argument; do printf '%s\\n' \"$argument\"; done\n"
-                        << "cat \"$0.out\"\ncat \"$0.err\" >&2\n"
+                        << "cat \"$0.out\"\n"
                         << (tool.hangs ? "exec sleep 1000\n" : "");
     fs::permissions(base, fs::perms::owner_all);
     return base;
