@@ -29,6 +29,7 @@ packages_test=(
     fonts-dejavu-core
     libclang-rt-dev
     libfaketime
+    libglib2.0-bin
     libgmock-dev
     libgtest-dev
     man-db
