@@ -16,30 +16,56 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 
 namespace orvello {
 namespace {
 
+namespace fs = std::filesystem;
+using plist::Value;
 using testing::AllOf;
 using testing::Ge;
 using testing::Le;
 using testing::StartsWith;
 
+using Keys = std::initializer_list<const char*>;
+
+/// The value that keys lead to, through the first entry of every array; an empty text where none is.
+Value at(Value value, Keys keys) {
+    for (const auto* key : keys) {
+        if (const auto* array = value.as<plist::Array>(); array && !array->empty())
+            value = Value(array->front());
+        const auto* dictionary = value.as<plist::Dictionary>();
+        const auto* entry = dictionary ? plist::find(*dictionary, key) : nullptr;
+        value = entry ? Value(*entry) : Value("");
+    }
+    return value;
+}
+
+std::int64_t number(const Value& value, Keys keys) {
+    const auto found = at(value, keys);
+    return plist::integerValue(&found);
+}
+
+int percent(const Value& status) {
+    const auto fraction = at(status, {"Percent"});
+    return static_cast<int>(100 * plist::doubleValue(&fraction));
+}
+
 /// The whole program on the desktop with the real tool, a destination, and something to back up.
 class RealBackup : public testing::Test {
   protected:
     RealBackup() {
-        const QDir folder(folder_.path());
-        folder.mkpath(QStringLiteral("files"));
-        folder.mkpath(QStringLiteral("destination"));
-        QFile holes(folder.filePath(QStringLiteral("files/holes"))); // takes time to read and no space
-        EXPECT_TRUE(holes.open(QIODevice::WriteOnly) && holes.resize(3LL << 30));
-        for (int i = 0; i < 300; ++i) {
-            QFile file(folder.filePath(QStringLiteral("files/%1").arg(i)));
-            EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write("content") > 0);
-        }
-        tool({QStringLiteral("setdestination"), folder.filePath(QStringLiteral("destination"))});
-        tool({QStringLiteral("addsource"), folder.filePath(QStringLiteral("files"))});
+        const fs::path folder(folder_.path().toStdString());
+        fs::create_directory(folder / "files");
+        fs::create_directory(folder / "destination");
+        std::ofstream(folder / "files/holes"); // takes time to read and no space
+        fs::resize_file(folder / "files/holes", 3ULL << 30);
+        for (int i = 0; i < 300; ++i)
+            std::ofstream(folder / "files" / std::to_string(i)) << "content";
+        tool({QStringLiteral("setdestination"), folder_.filePath(QStringLiteral("destination"))});
+        tool({QStringLiteral("addsource"), folder_.filePath(QStringLiteral("files"))});
         auto& defaults = platform_.userDefaults;
         defaults.setObject("FirstStart", false);
         defaults.setObject("BackupTimeInterval", 60);
@@ -48,56 +74,31 @@ class RealBackup : public testing::Test {
     }
     ~RealBackup() override { tool({QStringLiteral("stopbackup")}); }
 
-    static QByteArray tool(const QStringList& arguments) {
+    static std::string tool(const QStringList& arguments) {
         QProcess process;
         process.start(QStringLiteral(ORVELLO_TOOL), arguments);
         process.waitForFinished(60'000);
-        return process.readAllStandardOutput();
+        return process.readAllStandardOutput().toStdString();
     }
-    static plist::Dictionary answer(const char* verb) {
-        const auto value =
-            plist::parse(tool({QString::fromLatin1(verb), QStringLiteral("-X")}).toStdString());
-        const auto* dictionary = value ? value->as<plist::Dictionary>() : nullptr;
-        return dictionary ? *dictionary : plist::Dictionary();
+    static Value answer(const char* verb) {
+        return plist::parse(tool({QString::fromLatin1(verb), QStringLiteral("-X")})).value_or("");
     }
-    static std::int64_t number(const plist::Dictionary& dictionary, const char* key) {
-        return plist::integerValue(plist::find(dictionary, key));
-    }
-    static std::string text(const plist::Dictionary& dictionary, const char* key) {
-        const auto* value = plist::find(dictionary, key);
-        const auto* string = value ? value->as<std::string>() : nullptr;
-        return string ? *string : std::string();
-    }
-    static plist::Dictionary progress(const plist::Dictionary& status) {
-        const auto* value = plist::find(status, "Progress");
-        const auto* dictionary = value ? value->as<plist::Dictionary>() : nullptr;
-        return dictionary ? *dictionary : plist::Dictionary();
-    }
-    static bool isCopying(const plist::Dictionary& status) {
-        return text(status, "BackupPhase") == "Copying" &&
-               plist::doubleValue(plist::find(status, "Percent")) > 0;
+    static bool isCopying(const Value& status) {
+        return at(status, {"BackupPhase"}) == Value("Copying") && percent(status) > 0;
     }
 
     /// Stops or continues the backup where it is: its worker, and the engine that is the worker's child.
-    static void signalBackup(const plist::Dictionary& status, int signal) {
-        const auto worker = static_cast<pid_t>(number(status, "ProcessID"));
+    static void signalBackup(const Value& status, int signal) {
+        const auto worker = static_cast<pid_t>(number(status, {"ProcessID"}));
         ASSERT_GT(worker, 0);
-        QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(worker));
-        ASSERT_TRUE(children.open(QIODevice::ReadOnly));
-        for (const auto& child : children.readAll().split(' '))
-            if (child.toInt() > 0)
-                ::kill(child.toInt(), signal);
+        std::ifstream children("/proc/" + std::to_string(worker) + "/task/" + std::to_string(worker) +
+                               "/children");
+        for (pid_t child = 0; children >> child;)
+            ::kill(child, signal);
         ::kill(worker, signal);
     }
 
     std::int64_t setting(const char* key) { return platform_.userDefaults.integerForKey(key); }
-    std::string line(int number) {
-        auto& controller = interface_.controller();
-        MenuItem* const lines[] = {&*controller.StatusLine2(), &*controller.StatusLine3(),
-                                   &*controller.StatusLine4(), &*controller.StatusLine5(),
-                                   &*controller.StatusLine6()};
-        return lines[number - 2]->title();
-    }
 
     QTemporaryDir folder_;
     RecordedLog log_;
@@ -107,57 +108,50 @@ class RealBackup : public testing::Test {
 };
 
 TEST_F(RealBackup, IsStartedByTheScheduleAndShownAsTheToolTellsIt) {
-    plist::Dictionary status;
+    Value status = "";
     // The first tick comes a minute after the start.
     for (const QDeadlineTimer patience(120'000); !isCopying(status) && !patience.hasExpired();) {
         letPass(std::chrono::milliseconds(300));
         status = answer("status");
     }
-    ASSERT_TRUE(isCopying(status)) << tool({QStringLiteral("status")}).toStdString();
+    ASSERT_TRUE(isCopying(status)) << tool({QStringLiteral("status")});
     EXPECT_GT(platform_.userDefaults.dateForKey("LastBackup").value_or(Date()), Date());
 
     signalBackup(status, SIGSTOP);
     status = answer("status");
-    const auto shown = progress(status);
-    const auto files = std::to_string(number(shown, "files"));
-    const auto totalFiles = std::to_string(number(shown, "totalFiles"));
-    EXPECT_TRUE(waitUntil([&] { return line(4) == "Files Copied: " + files + " of " + totalFiles; }))
-        << line(4) << ", " << files << " of " << totalFiles;
-    letPass(std::chrono::seconds(11)); // one more refresh finds the same
-    EXPECT_EQ(line(2), "Copying Data ...");
-    const auto percent = static_cast<int>(100 * plist::doubleValue(plist::find(status, "Percent")));
-    EXPECT_EQ(line(3), "Progress: " + std::to_string(percent) + " %");
-    EXPECT_EQ(line(4), "Files Copied: " + files + " of " + totalFiles);
+    const auto shown = at(status, {"Progress"});
     const auto formatter = platform_.formatters.makeByteFormatter();
-    const auto byteText = [&](std::int64_t count) { return formatter->stringFromByteCount(count); };
-    EXPECT_EQ(line(5), "Data Copied: " + byteText(number(shown, "bytes")) + " of " +
-                           byteText(number(shown, "totalBytes")));
-    EXPECT_THAT(line(6), StartsWith("Time Remaining: "));
+    const auto count = [&](const char* key) { return std::to_string(number(shown, {key})); };
+    const auto bytes = [&](const char* key) { return formatter->stringFromByteCount(number(shown, {key})); };
+    const auto files = "Files Copied: " + count("files") + " of " + count("totalFiles");
+    auto& controller = interface_.controller();
+    EXPECT_TRUE(waitUntil([&] { return controller.StatusLine4()->title() == files; }));
+    letPass(std::chrono::seconds(11)); // one more refresh finds the same
+    EXPECT_EQ(controller.StatusLine2()->title(), "Copying Data ...");
+    EXPECT_EQ(controller.StatusLine3()->title(), "Progress: " + std::to_string(percent(status)) + " %");
+    EXPECT_EQ(controller.StatusLine4()->title(), files);
+    EXPECT_EQ(controller.StatusLine5()->title(),
+              "Data Copied: " + bytes("bytes") + " of " + bytes("totalBytes"));
+    EXPECT_THAT(controller.StatusLine6()->title(), StartsWith("Time Remaining: "));
     signalBackup(status, SIGCONT);
 
     for (int halfMinutes = 0; halfMinutes < 6 && setting("FilesLastBackup") == 0; ++halfMinutes)
         waitUntil([&] { return setting("FilesLastBackup") > 0; });
     QFile file(QDir::homePath() + QStringLiteral("/.local/state/tmutil/history.plist"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const auto history = plist::parse(file.readAll().toStdString());
-    ASSERT_TRUE(history && history->as<plist::Dictionary>());
-    const auto* runs = plist::find(*history->as<plist::Dictionary>(), "Runs");
-    ASSERT_TRUE(runs && runs->as<plist::Array>() && runs->as<plist::Array>()->size() == 1);
-    const auto run = *runs->as<plist::Array>()->front().as<plist::Dictionary>();
-    EXPECT_EQ(text(run, "Result"), "Completed");
+    const auto runs = at(plist::parse(file.readAll().toStdString()).value_or(""), {"Runs"});
+    ASSERT_TRUE(runs.as<plist::Array>() && runs.as<plist::Array>()->size() == 1);
+    EXPECT_EQ(at(runs, {"Result"}), Value("Completed"));
     // What was sampled last lies between what was seen and what the engine's summary says.
-    EXPECT_THAT(setting("FilesLastBackup"), AllOf(Ge(number(shown, "files")), Le(number(run, "Files"))));
-    EXPECT_THAT(setting("BytesLastBackup"), AllOf(Ge(number(shown, "bytes")), Le(number(run, "Bytes"))));
+    EXPECT_THAT(setting("FilesLastBackup"), AllOf(Ge(number(shown, {"files"})), Le(number(runs, {"Files"}))));
+    EXPECT_THAT(setting("BytesLastBackup"), AllOf(Ge(number(shown, {"bytes"})), Le(number(runs, {"Bytes"}))));
 
-    const auto info = answer("destinationinfo");
-    const auto* destinations = plist::find(info, "Destinations");
-    ASSERT_TRUE(destinations && destinations->as<plist::Array>());
-    const auto destination = *destinations->as<plist::Array>()->front().as<plist::Dictionary>();
-    EXPECT_EQ(number(destination, "LastDestination"), 1);
-    auto& panel = *interface_.controller().preferences();
-    EXPECT_EQ(panel.InfoVolumeName.stringValue(), text(destination, "Name"));
-    EXPECT_EQ(panel.InfoVolumeID.stringValue(), text(destination, "ID"));
-    EXPECT_EQ(panel.InfoVolumeType.stringValue(), text(destination, "Kind"));
+    const auto destination = at(answer("destinationinfo"), {"Destinations"});
+    EXPECT_EQ(number(destination, {"LastDestination"}), 1);
+    auto& panel = *controller.preferences();
+    EXPECT_EQ(Value(panel.InfoVolumeName.stringValue()), at(destination, {"Name"}));
+    EXPECT_EQ(Value(panel.InfoVolumeID.stringValue()), at(destination, {"ID"}));
+    EXPECT_EQ(Value(panel.InfoVolumeType.stringValue()), at(destination, {"Kind"}));
     EXPECT_EQ(panel.InfoLastFiles.stringValue(), std::to_string(setting("FilesLastBackup")));
 }
 
