@@ -1,72 +1,44 @@
 #include "platform/desktop/DesktopRunLoop.h"
+#include "platform/desktop/TerminationSignals.h"
 #include "tests/desktop/EventLoop.h"
 
 #include <QAbstractEventDispatcher>
-#include <QMenu>
+#include <QSignalSpy>
 
 #include <gtest/gtest.h>
+
+#include <csignal>
+#include <poll.h>
 
 namespace orvello {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// Counts how often the event loop goes to sleep.
-class SleepCounter {
-  public:
-    SleepCounter() {
-        QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
-                         &context_, [this] { ++count_; });
-    }
-    int count() const { return count_; }
-
-  private:
-    QObject context_;
-    int count_ = 0;
-};
-
 TEST(DesktopRunLoop, WakesForNothingThatNobodyAskedFor) {
     DesktopRunLoop loop;
     const auto far = loop.makeTimer(1h, [] {});
     loop.addTimer(far, RunLoopMode::Common);
     letPass(20ms); // what the display still has to tell
-    const SleepCounter sleeps;
+    const QSignalSpy sleeps(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock);
     letPass(200ms);
     EXPECT_LE(sleeps.count(), 2);
 }
 
-TEST(DesktopRunLoop, NeverFiresBeforeTheDate) {
-    DesktopRunLoop loop;
-    const auto created = std::chrono::steady_clock::now();
-    std::vector<std::chrono::nanoseconds> fired;
-    const auto timer =
-        loop.makeTimer(7ms, [&] { fired.push_back(std::chrono::steady_clock::now() - created); });
-    loop.addTimer(timer, RunLoopMode::Common);
-    ASSERT_TRUE(waitUntil([&] { return fired.size() >= 10; }));
-    for (std::size_t i = 0; i < fired.size(); ++i)
-        EXPECT_GE(fired[i], (i + 1) * 7ms);
-}
-
-TEST(DesktopRunLoop, FiresNestedInAnActionAndInAnOpenMenu) {
-    DesktopRunLoop loop;
-    int depth = 0;
-    int deepest = 0;
-    QMenu menu;
-    menu.addAction(QStringLiteral("An entry"));
-    const auto timer = loop.makeTimer(10ms, [&] {
-        deepest = std::max(deepest, ++depth);
-        if (depth == 1) {
-            const TrackingScope tracking(loop);
-            menu.exec(QPoint(100, 100));
-        } else {
-            menu.close();
+TEST(TerminationSignals, CallFromTheEventLoopUnlessIgnored) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        for (const bool ignored : {false, true}) {
+            std::signal(signal, ignored ? SIG_IGN : SIG_DFL);
+            int calls = 0;
+            const TerminationSignals signals([&] { ++calls; });
+            ASSERT_EQ(std::raise(signal), 0);
+            EXPECT_EQ(calls, 0) << strsignal(signal);
+            ignored ? letPass(20ms) : void(waitUntil([&] { return calls > 0; }));
+            EXPECT_EQ(calls, ignored ? 0 : 1) << strsignal(signal);
+            pollfd descriptor{signals.descriptor(), POLLIN, 0};
+            EXPECT_EQ(::poll(&descriptor, 1, 0), calls) << "what runs before the loop ends can tell, too";
+            std::signal(signal, SIG_DFL);
         }
-        --depth;
-    });
-    loop.addTimer(timer, RunLoopMode::Common);
-    ASSERT_TRUE(waitUntil([&] { return deepest >= 2; }));
-    EXPECT_TRUE(waitUntil([&] { return depth == 0; }));
-    timer->invalidate();
 }
 
 } // namespace
