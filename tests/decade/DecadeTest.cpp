@@ -1,21 +1,18 @@
 // Ten years cannot be lived minute by minute in every zone, so what is claimed for all of them is shown in
-// four parts, each against the same expectation at each tick (Life.h):
+// two parts, each against the same expectation at each tick (Life.h):
 //
 //   all zones, ten years       each distinct history, asleep but for the minutes of the fixed hours and those
 //                              behind them: every one of these hours in ten years starts its backup
 //   each kind of clock change  every minute from 26 hours before it to 26 hours behind it, at the hours that
 //                              it skips or repeats and at those beside them, for all pairs of settings
-//   whole years                every minute of a year in zones that differ as much as zones do
-//   on the run loop            the same with the refreshes between the ticks, some weeks around changes
 //
-// In a build with sanitizers every so many-th history and change, and a part of the years (CMakeLists.txt).
+// In most builds every so many-th history and change, and a part of the years (CMakeLists.txt).
 #include "tests/decade/Life.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
-#include <ostream>
 #include <utility>
 
 namespace orvello {
@@ -93,7 +90,7 @@ TEST_P(AllZones, StartABackupAtEachFixedHourOfTenYears) {
             if (due < life.now() || due >= livedEnd)
                 continue;
             life.sleepBefore(due);
-            life.tickUntil(due + 1min, Pace::TickOnly);
+            life.tickUntil(due + 1min);
         }
     }
 }
@@ -140,59 +137,8 @@ TEST_P(EachKindOfClockChange, StartsABackupAtTheHoursAroundIt) {
                           withHours(schedule, fixedHours[hour],
                                     fixedHours[std::min(hour + 1, fixedHours.size() - 1)]),
                           change.at - reach + phaseOf(i), change.at + reach);
-                life.tickUntil(change.at + reach, Pace::TickOnly);
+                life.tickUntil(change.at + reach);
             }
-    }
-}
-
-/// With the days beside the year that a life looks at.
-ZoneHistory yearOf(const std::string& zone, Date start) {
-    return historyOf(zone, start - 48h, start + days(366 + 4));
-}
-
-struct YearRow {
-    const char* zone;
-    year firstYear;
-    Schedule schedule;
-};
-
-/// What the tests are called by.
-void PrintTo(const YearRow& row, std::ostream* stream) {
-    *stream << row.zone;
-}
-
-class WholeYear : public testing::TestWithParam<YearRow> {};
-INSTANTIATE_TEST_SUITE_P(
-    Decade, WholeYear,
-    testing::Values(YearRow{"Europe/Berlin",
-                            2026y,
-                            {.interval = 60, .andOr = "or", .idleTime = 30, .time1 = 2, .time2 = 3}},
-                    YearRow{"Pacific/Apia", 2011y, {.interval = 120, .time1 = 0, .time2 = 23}}));
-
-TEST_P(WholeYear, StartsWhatIsDueAndNothingElse) {
-    const Date start = sys_days{GetParam().firstYear / January / 1} + 20s;
-    const auto zone = yearOf(GetParam().zone, start);
-    ASSERT_GE(zone.changes.size(), 2U);
-    const Date end = start + days(366);
-    const auto part = hours(366 * 24 / std::int64_t{share});
-    Life life(zone, GetParam().schedule, start, end);
-    if (share > 1) // around the last change; when that is near the year's end, the last part of the year
-        life.sleepBefore(std::min<Date>(zone.changes.back().at - part / 2, end - part));
-    life.tickUntil(life.now() + part, Pace::TickOnly);
-}
-
-TEST(OnTheRunLoop, WeeksAroundClockChangesGoAlike) {
-    for (const auto& [name, schedule] :
-         {std::pair("Europe/Berlin", Schedule{.interval = 45, .idleTime = 3, .time1 = 2, .time2 = 12}),
-          std::pair("America/St_Johns", Schedule{.interval = 600, .andOr = "or", .idleTime = 50, .time1 = 1}),
-          std::pair("Asia/Beirut", Schedule{.time1 = 0, .time2 = 23})}) {
-        const auto zone = yearOf(name, decadeStart);
-        ASSERT_EQ(zone.changes.size(), 2U);
-        for (const auto& change : zone.changes) {
-            const auto reach = hours(24 * 6 / std::int64_t{share});
-            Life life(zone, schedule, change.at - reach, change.at + reach);
-            life.tickUntil(change.at + reach, Pace::RunLoop);
-        }
     }
 }
 

@@ -16,29 +16,21 @@ struct Schedule {
     std::int64_t time2 = -1;
 };
 
-/// How a minute passes up to its tick.
-enum class Pace {
-    RunLoop,  ///< on the run loop, with the status refreshes in between
-    TickOnly, ///< the clock is set and the tick's action called; takes a quarter of the time
-};
-
 /// The program's life in a zone with a schedule, of which at least one hour is set. At every tick it is
 /// compared with what the zone's history and the schedule's rules lead to expect: whether one backup is
-/// started or none, where the countdown stands, when the next backup is said to come and in which words.
-/// A backup takes a minute. The user is away from 22:00 to 8:00 UTC, and else at work.
+/// started or none, where the countdown stands and when the next backup is said to come. A backup takes a
+/// minute. The user is away from 22:00 to 8:00 UTC, and else at work.
 class Life {
   public:
     Life(const ZoneHistory& zone, Schedule schedule, Date from, Date to);
 
-    void tick(Pace pace);
-    /// Ticks until a time, or the first failure.
-    void tickUntil(Date date, Pace pace);
+    /// Lives until a time, or the first failure.
+    void tickUntil(Date date);
     /// Sleeps until the last whole minute before the first tick at or behind the date.
     void sleepBefore(Date date);
     Date now() const { return program_.machine.now(); }
     /// The instants at which a fixed hour is due.
     const std::vector<Date>& dueInstants() const { return due_; }
-    std::size_t ticks() const { return ticks_; }
 
   private:
     headless::ToolAnswer answer(const UserTask& task);
@@ -51,7 +43,6 @@ class Life {
     };
     Expectation expect();
     std::int64_t minutesUntilDue() const;
-    std::string expectedText(Date next) const;
     std::string here() const;
 
     const ZoneHistory& zone_;
@@ -59,7 +50,6 @@ class Life {
     std::vector<Date> due_;
     std::size_t nextDue_ = 0;     ///< the first of them that is not a minute ago
     std::int64_t sinceReset_ = 0; ///< ticks since the countdown was last set to the interval
-    std::size_t ticks_ = 0;
     int starts_ = 0;
     std::optional<Date> lastStart_;
     Program program_;
