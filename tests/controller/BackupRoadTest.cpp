@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace orvello {
 namespace {
@@ -75,7 +76,7 @@ TEST(BackupRoad, TheMenuRefreshesEveryTwoSecondsWhileOpenElseEveryTen) {
 }
 
 TEST(BackupRoad, AClickStartsAndAClickCancels) {
-    const auto before = berlin(2024, 1, 14, 20, 0, 1);
+    const Date before = neverDate() + 1h;
     Program program({.disk = Program::diskWith({{std::string(key::LastBackup), before}})});
     ASSERT_TRUE(program.machine.choose("Create Backup now"));
     EXPECT_EQ(program.tool.starts.size(), 1U);
@@ -89,7 +90,6 @@ TEST(BackupRoad, AClickStartsAndAClickCancels) {
     EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), countdown)
         << "a cancel leaves the countdown alone";
     EXPECT_EQ(program.integer(key::FilesLastBackup), 500) << "what was sampled before the stop counts";
-    EXPECT_EQ(program.menuTitles().front(), "Create Backup now");
 
     Program another({.disk = Program::diskWith({{std::string(key::LastBackup), before}})});
     another.tool.begin(); // by another hand
@@ -99,12 +99,17 @@ TEST(BackupRoad, AClickStartsAndAClickCancels) {
 }
 
 TEST(BackupRoad, StatisticsSurviveACounterThatStartsAgainAndAQuitInBetween) {
-    const auto disk = Program::diskWith({});
+    constexpr auto most = std::numeric_limits<std::int64_t>::max();
+    const auto disk = Program::diskWith({{std::string(key::BytesTotal), most}});
     Date now;
     {
         Program program({.disk = disk});
         program.tool.begin();
-        program.pass(2min); // 500 files
+        program.pass(2min);           // 500 files
+        for (int i = 0; i < 2; ++i) { // a count that stands still has not started again
+            program.machine.openMenu();
+            program.machine.closeMenu();
+        }
         program.tool.begin();
         program.pass(1min + 30s); // from a lower count
         EXPECT_EQ(program.integer(key::FilesThisBackup), 500);
@@ -116,7 +121,8 @@ TEST(BackupRoad, StatisticsSurviveACounterThatStartsAgainAndAQuitInBetween) {
     EXPECT_EQ(program.integer(key::FilesThisBackup), 0);
     EXPECT_EQ(program.integer(key::FilesLastBackup), 500 + 791)
         << "the banked files count into the next backup";
-    EXPECT_EQ(program.integer(key::FilesTotal), program.integer(key::FilesLastBackup));
+    EXPECT_EQ(program.integer(key::FilesTotal), 500 + 791);
+    EXPECT_LT(program.integer(key::BytesTotal), 0) << "beyond the range a sum goes on at its other end";
 }
 
 } // namespace

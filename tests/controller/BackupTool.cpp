@@ -28,7 +28,9 @@ headless::ToolAnswer BackupTool::answer(const UserTask& task) {
         ++stops;
         begun_.reset();
     }
-    headless::ToolAnswer answer{verb == "status" ? status() : std::string()};
+    headless::ToolAnswer answer{verb == "status"            ? status()
+                                : verb == "destinationinfo" ? destinations
+                                                            : std::string()};
     if (hangs)
         answer.duration = headless::forever;
     return answer;

@@ -19,6 +19,8 @@ class BackupTool {
     bool hangs = false;
     std::int64_t totalFiles = 1000;
     std::int64_t totalBytes = 5'000'000;
+    /// What destinationinfo prints.
+    std::string destinations;
 
     /// The system begins a backup of its own.
     void begin();

@@ -70,10 +70,4 @@ std::size_t Program::logged(std::string_view beginning) {
         lines.begin(), lines.end(), [&](const auto& line) { return line.text.starts_with(beginning); }));
 }
 
-Date berlin(int year, unsigned month, unsigned day, int hour, int minute, int utcOffsetHours) {
-    using namespace std::chrono;
-    return sys_days{std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day)} +
-           hours(hour - utcOffsetHours) + minutes(minute);
-}
-
 } // namespace orvello

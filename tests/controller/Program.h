@@ -45,7 +45,4 @@ class Program {
     std::unique_ptr<MainInterface> interface;
 };
 
-/// An instant by the clock of the machine's default zone.
-Date berlin(int year, unsigned month, unsigned day, int hour, int minute, int utcOffsetHours);
-
 } // namespace orvello
