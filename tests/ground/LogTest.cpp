@@ -17,24 +17,22 @@ TEST(Log, EscapesWhatWouldBreakOrDisguiseALine) {
         std::string text, escaped;
     };
     const std::vector<Row> rows = {
-        {"letters beyond ASCII, an emoji", "Über 日本 \U0001F600", "Über 日本 \U0001F600"},
-        {"tabulator and backslash stay", "a\tb\\n", "a\tb\\n"},
+        {"a tabulator, letters beyond ASCII, an emoji", "Über\t日本 \U0001F600", "Über\t日本 \U0001F600"},
         {"line ends", "a\nb\r\n", R"(a\nb\r\n)"},
         {"control characters", std::string("\0\x1B[2J\x7F", 6), R"(\x00\x1B[2J\x7F)"},
         {"C1 controls", "a\u0085\u009Bb", R"(a\u{0085}\u{009B}b)"},
         {"separators", "\u2028\u2029", R"(\u{2028}\u{2029})"},
         {"bidirectional controls", "\u202Egnp\u202C \u2066a\u2069 \u200F\u061C",
          R"(\u{202E}gnp\u{202C} \u{2066}a\u{2069} \u{200F}\u{061C})"},
-        {"a stray continuation byte", "a\x80z", R"(a\x80z)"},
         {"a character cut off", "\xE2\x82", R"(\xE2\x82)"},
         {"an overlong slash, a surrogate", "\xC0\xAF\xED\xA0\x80", R"(\xC0\xAF\xED\xA0\x80)"},
         {"beyond Unicode", "\xF4\x90\x80\x80", R"(\xF4\x90\x80\x80)"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(escapeForLog(row.text), row.escaped) << row.name;
-    RecordingLog log;
-    log.line("two\nlines");
-    EXPECT_EQ(log.lines, std::vector<std::string>{"two\\nlines"});
+    for (const auto& row : rows) {
+        RecordingLog log;
+        log.line(row.text);
+        EXPECT_EQ(log.lines, std::vector{row.escaped}) << row.name;
+    }
 }
 
 TEST(SystemLog, WritesStampedLinesToStandardErrorWhereItCan) {

@@ -33,14 +33,12 @@ TEST_F(UserDefaultsTest, ReadThePersistentLayerAndThenTheRegisteredOne) {
     hold({{"Date", "no date"}, {"Text", 5}});
     start();
     const Date never(std::chrono::seconds(543559532));
-    defaults().registerDefaults({{"Date", never}, {"Text", "and"}, {"AndOr", "or"}, {"Number", 1}});
+    defaults().registerDefaults({{"Date", never}, {"Text", "and"}, {"Number", 1}});
     EXPECT_EQ(defaults().integerForKey("none"), 0);
-    EXPECT_EQ(defaults().objectForKey("none"), std::nullopt);
     EXPECT_EQ(defaults().dateForKey("Date"), never)
         << "a value of another kind lets the registered date through";
     EXPECT_EQ(defaults().dateForKey("Number"), std::nullopt);
     EXPECT_EQ(defaults().stringForKey("Text"), "") << "but not a registered string";
-    EXPECT_EQ(defaults().stringForKey("AndOr"), "or");
 }
 
 TEST_F(UserDefaultsTest, ReadTruth) {
@@ -88,12 +86,11 @@ TEST_F(UserDefaultsTest, KeepWhatWasEditedOutsideMeanwhile) {
 
 TEST_F(UserDefaultsTest, SetAsideWhatNobodyCanRead) {
     struct Row {
-        std::optional<std::string> settings;
+        std::string settings;
         const char* readProblem;
         std::size_t setAside;
     };
     const Row rows[] = {
-        {std::nullopt, "", 0},
         {"", "", 0},
         {"garbage", "", 1},
         {plist::serialize(Dictionary{{"a", 1}}).substr(0, 200), "", 1},
@@ -101,7 +98,7 @@ TEST_F(UserDefaultsTest, SetAsideWhatNobodyCanRead) {
         {"unreadable", "input/output error", 1},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.settings.value_or("absent"));
+        SCOPED_TRACE(row.settings);
         *disk = {};
         const auto spoil = [&] {
             disk->settings = row.settings;
@@ -128,20 +125,16 @@ TEST_F(UserDefaultsTest, LogAFailureOnceAndTryAgain) {
         set("a", i);
     ASSERT_EQ(logged(), 1U);
     EXPECT_THAT(machine->log().lines().last().text, HasSubstr("disk full"));
-    EXPECT_EQ(defaults().integerForKey("a"), 2);
     disk->writeProblem.clear();
     set("b", 1);
     EXPECT_EQ(held(), (Dictionary{{"a", 2}, {"b", 1}}));
     disk->writeProblem = "disk full again";
     set("a", 5);
-    EXPECT_EQ(logged(), 2U);
-
-    // Without another change, too.
     machine->advance(std::chrono::seconds(30));
     EXPECT_EQ(logged(), 2U);
     disk->writeProblem.clear();
     machine->advance(std::chrono::seconds(10));
-    EXPECT_EQ(held(), (Dictionary{{"a", 5}, {"b", 1}}));
+    EXPECT_EQ(held(), (Dictionary{{"a", 5}, {"b", 1}})) << "without another change";
     hold({});
     machine->advance(std::chrono::seconds(30));
     EXPECT_EQ(held(), Dictionary()) << "nothing is left to save";

@@ -19,42 +19,31 @@ TEST(Value, ReadsAsAnIntegerAndAsAReal) {
         double real;
     };
     const std::vector<Row> rows = {{true, 1, 1},
-                                   {21131, 21131, 21131},
                                    {smallest, smallest, -0x1p63},
                                    {largest, largest, 0x1p63},
                                    {-2.9, -2, -2.9},
                                    {0x1p63, largest, 0x1p63},
                                    {-infinity, smallest, -infinity},
                                    {" \t\n-12abc", -12, -12},
-                                   {"+7", 7, 7},
                                    {"+-7", 0, 0},
-                                   {"- 7", 0, 0},
-                                   {"0.4632939580697719", 0, 0.4632939580697719},
                                    {".5", 0, 0.5},
-                                   {"1e3", 1, 1000},
                                    {"1e+", 1, 1},
                                    {"3.8e-05", 3, 3.8e-05},
                                    {"1,5", 1, 1},
                                    {"0x10", 0, 0},
                                    {"", 0, 0},
-                                   {"+", 0, 0},
                                    {"-inf", 0, 0},
                                    {"nan", 0, 0},
                                    {"9223372036854775808", largest, 0x1p63},
-                                   {"-99999999999999999999", smallest, -1e20},
                                    {"-0.001e999x", 0, -infinity},
                                    {"1e99999999999999999999", 1, infinity},
                                    {"12.5e-400", 12, 0},
                                    {Date(std::chrono::seconds(5)), 0, 0},
-                                   {Data{"5"}, 0, 0},
-                                   {Array{5}, 0, 0},
-                                   {Dictionary{{"5", 5}}, 0, 0}};
+                                   {Array{5}, 0, 0}};
     for (const auto& row : rows) {
         EXPECT_EQ(integerValue(&row.value), row.integer) << testing::PrintToString(row.real);
         EXPECT_EQ(doubleValue(&row.value), row.real);
     }
-    EXPECT_EQ(integerValue(nullptr), 0);
-    EXPECT_EQ(doubleValue(nullptr), 0);
     const Value noNumber = std::nan("");
     EXPECT_EQ(integerValue(&noNumber), 0);
     const Value manyZeros = "0." + std::string(100'000, '0') + "1e100001";

@@ -19,18 +19,14 @@ TEST(UserLocale, IsThatOfTheEnvironment) {
         {{{"LANG", "de_DE.UTF-8"}, {"LC_TIME", "en_DK.utf8"}, {"LC_NUMERIC", "fr_CH"}}, "en_DK", "fr_CH"},
         {{{"LC_ALL", "ja_JP.UTF-8"}, {"LC_TIME", "en_DK"}, {"LANG", "de_DE"}}, "ja_JP", "ja_JP"},
         {{{"LC_ALL", ""}, {"LC_TIME", ""}, {"LANG", "sv_SE"}}, "sv_SE", "sv_SE"},
-        {{{"LC_ALL", "C"}, {"LANG", "de_DE.UTF-8"}}, plain, plain},
         {{{"LANG", "C.UTF-8"}}, plain, plain},
         {{{"LANG", "de_DE"}, {"LC_TIME", "POSIX"}}, plain, "de_DE"},
         {{{"LANG", "de_DE.UTF-8@euro"}}, "de_DE", "de_DE"},
         {{{"LANG", "sr_RS.UTF-8@latin"}}, "sr_Latn_RS", "sr_Latn_RS"},
-        {{{"LANG", "uz@cyrillic"}}, "uz_Cyrl", "uz_Cyrl"},
-        {{{"LANG", "eo"}}, "eo", "eo"},
         {{{"LANG", "no_NO"}}, "no_NO", "no_NO"},
         {{{"LANG", "de_XY"}}, "de_XY", "de_XY"},
         {{{"LANG", "xx_DE.UTF-8"}}, plain, plain},
         {{{"LANG", "../../etc/passwd"}}, plain, plain},
-        {{{"LANG", ".UTF-8"}}, plain, plain},
         {{{"LANG", std::string(100'000, 'x')}}, plain, plain},
     };
     for (const auto& row : rows) {
