@@ -18,13 +18,20 @@ constexpr auto toolPath = "/usr/bin/tmutil";
 /// A program whose tool is missing and that has been started before, run up to the end of the setup.
 class Setup : public testing::Test {
   protected:
-    /// Starts the program; the answers are given in turn.
-    void start(std::vector<headless::ScriptedAlerts::Answer> answers) {
+    /// Starts the program; the answers are given in turn. An installation is begun in the instructions and
+    /// ended there, if it is said how.
+    void start(const std::vector<AlertResponse>& answers, const std::function<void()>& endInstallation = {}) {
         program.reset();
         program.emplace(headless::Configuration{.disk = disk}, [&](headless::Machine& starting) {
             machine = &starting;
-            for (auto& answer : answers)
-                starting.alerts().answerNext(std::move(answer));
+            for (const auto answer : answers)
+                starting.alerts().answerNext([answer, &endInstallation](const Alert& alert) {
+                    if (endInstallation && alert.accessoryView == "Instructions") {
+                        alert.accessoryAction();
+                        endInstallation();
+                    }
+                    return answer;
+                });
         });
     }
     /// Whether start-up has come to its end: the minute's tick is running.
@@ -39,36 +46,25 @@ class Setup : public testing::Test {
             texts.push_back(shown.alert.message);
         return texts;
     }
-    static headless::ScriptedAlerts::Answer give(AlertResponse response) {
-        return [response](const Alert&) { return response; };
-    }
-    /// In the instructions: presses the button of the view, and ends the installation.
-    headless::ScriptedAlerts::Answer install(std::function<void()> end) {
-        return [this, end = std::move(end)](const Alert& alert) {
-            EXPECT_EQ(alert.accessoryView, "Instructions");
-            alert.accessoryAction();
-            EXPECT_EQ(machine->toolInstaller().requests().last(), toolPath);
-            end();
-            return AlertResponse::Alternate;
-        };
-    }
 
+    static constexpr auto yes = AlertResponse::Default;
+    static constexpr auto no = AlertResponse::Alternate;
     std::shared_ptr<headless::Disk> disk = Program::diskWith({}, false);
     std::optional<Program> program;
     headless::Machine* machine = nullptr;
 };
 
 TEST_F(Setup, NotToBeRemindedLastsUntilTheAboutPaneAsks) {
-    start({give(AlertResponse::Other)});
+    start({AlertResponse::Other});
     start({});
     EXPECT_EQ(messages(), Messages{});
     EXPECT_TRUE(isScheduling());
-    machine->alerts().answerNext(AlertResponse::Default);
+    machine->alerts().answerNext(yes);
     machine->perform([&] { machine->preferencesWindow().controls()->AboutInstallHelperScript.click(); });
     EXPECT_EQ(messages(), Messages{"Install the Helper Script"});
     EXPECT_TRUE(machine->hasEnded());
     for (int round = 0; round < 2; ++round) { // skipping asks again at the next start
-        start({give(AlertResponse::Alternate)});
+        start({no});
         EXPECT_EQ(messages(), Messages{question});
         EXPECT_EQ(machine->alerts().shown().last().alert.accessoryView, "AskScript");
         EXPECT_TRUE(isScheduling());
@@ -77,12 +73,12 @@ TEST_F(Setup, NotToBeRemindedLastsUntilTheAboutPaneAsks) {
 
 TEST_F(Setup, InstructionsOpenTheirPageOnlyWhenAskedTo) {
     disk = Program::newDisk(false);
-    start({give(AlertResponse::Default), give(AlertResponse::Default), give(AlertResponse::Default)});
+    start({yes, yes, yes});
     EXPECT_EQ(messages(), (Messages{question, question, instructions}))
         << "the welcome of a first start has the same title";
     EXPECT_EQ(machine->workspace().pages().last(), "/Orvello/en/instructions");
     EXPECT_TRUE(machine->hasEnded());
-    start({give(AlertResponse::Default), give(AlertResponse::Default), give(AlertResponse::Alternate)});
+    start({yes, yes, no});
     EXPECT_EQ(messages(), (Messages{question, question, instructions})) << "it is still a first start";
     EXPECT_TRUE(machine->workspace().pages().empty());
     EXPECT_FALSE(machine->hasEnded());
@@ -91,11 +87,11 @@ TEST_F(Setup, InstructionsOpenTheirPageOnlyWhenAskedTo) {
 }
 
 TEST_F(Setup, AFinishedInstallationEndsTheStartUpAndTheProgram) {
-    start({give(AlertResponse::Default), install([this] {
-               disk->files.insert(toolPath);
-               machine->toolInstaller().finish();
-           }),
-           give(AlertResponse::Default)});
+    start({yes, no, yes}, [this] {
+        EXPECT_EQ(machine->toolInstaller().requests().last(), toolPath);
+        disk->files.insert(toolPath);
+        machine->toolInstaller().finish();
+    });
     EXPECT_EQ(messages(), (Messages{question, instructions, "Setup Successful!"}));
     EXPECT_EQ(disk->permissions[toolPath], 0755U);
     EXPECT_TRUE(machine->hasEnded());
@@ -107,14 +103,14 @@ TEST_F(Setup, AFinishedInstallationEndsTheStartUpAndTheProgram) {
 
 TEST_F(Setup, AFailedInstallationIsToldAndEndsTheProgram) {
     const std::pair<const char*, std::function<void()>> rows[] = {
-        {"downloadDidFinish", [&] { machine->toolInstaller().finish(); }}, // but there is no file
+        {"downloadDidFinish", [this] { machine->toolInstaller().finish(); }}, // but there is no file
         {"Download failed! Error - cancelled file:///tmutil",
-         [&] {
+         [this] {
              machine->toolInstaller().fail({"cancelled", "file:///tmutil"});
          }},
     };
     for (const auto& [line, end] : rows) {
-        start({give(AlertResponse::Default), install(end), give(AlertResponse::Default)});
+        start({yes, no, yes}, end);
         EXPECT_EQ(messages().back(), "Setup not Successful!");
         EXPECT_TRUE(machine->hasEnded());
         EXPECT_EQ(program->logged(line), 1U) << line;

@@ -1,7 +1,5 @@
 #include "tests/decade/Life.h"
 
-#include "platform/UserTask.h"
-#include "platform/plist/PropertyList.h"
 #include "settings/SettingsKeys.h"
 
 #include <fmt/chrono.h>
@@ -39,10 +37,6 @@ microseconds idleTimeAt(Date date) {
     return sinceTen < 10h ? sinceTen : 0h;
 }
 
-const std::string idleStatus = plist::serialize(plist::Dictionary{{"Running", false}});
-const std::string runningStatus =
-    plist::serialize(plist::Dictionary{{"BackupPhase", "Starting"}, {"Running", true}});
-
 } // namespace
 
 Life::Life(const ZoneHistory& zone, Schedule schedule, Date from, Date to)
@@ -52,24 +46,15 @@ Life::Life(const ZoneHistory& zone, Schedule schedule, Date from, Date to)
     , due_(merged(zone.instantsOfHour(schedule_.time1, from - 1min, to + 72h),
                   zone.instantsOfHour(schedule_.time2, from - 1min, to + 72h)))
     , program_({.start = from, .timeZone = zone.name, .disk = Program::diskWith(settingsOf(schedule_))}) {
-    program_.machine.tools().setScript([this](const UserTask& task) { return answer(task); });
+    program_.tool.length = 1min;
     program_.machine.tools().runs().setCapacity(0);
     program_.machine.log().lines().setCapacity(0);
-}
-
-headless::ToolAnswer Life::answer(const UserTask& task) {
-    if (task.arguments.front() == "startbackup") {
-        ++starts_;
-        lastStart_ = now();
-        return {};
-    }
-    return {lastStart_ && now() - *lastStart_ < 1min ? runningStatus : idleStatus};
 }
 
 void Life::tickUntil(Date date) {
     while (now() < date && !testing::Test::HasFailure()) {
         program_.machine.setIdleTime(idleTimeAt(now() + 1min) - 1min);
-        starts_ = 0;
+        program_.tool.starts.clear();
         program_.pass(1min);
         check();
     }
@@ -97,7 +82,7 @@ Life::Expectation Life::expect() {
     if (resets)
         sinceReset_ = 0;
 
-    Expectation expected{.starts = intervalDue || idleDue || hourDue ? 1 : 0};
+    Expectation expected{.starts = intervalDue || idleDue || hourDue ? 1U : 0U};
     if (schedule_.interval >= 0)
         expected.countdown = std::max<std::int64_t>(schedule_.interval - sinceReset_, 0);
     if (schedule_.idleTime == -1) {
@@ -116,7 +101,7 @@ std::int64_t Life::minutesUntilDue() const {
 
 void Life::check() {
     const auto expected = expect();
-    EXPECT_EQ(starts_, expected.starts) << here();
+    EXPECT_EQ(program_.tool.starts.size(), expected.starts) << here();
     EXPECT_EQ(program_.integer(key::MinutesUntilNextBackup), expected.countdown) << here();
     const auto next = program_.controller().nextBackupDate();
     ASSERT_TRUE(next) << here();

@@ -33,11 +33,10 @@ class Life {
     const std::vector<Date>& dueInstants() const { return due_; }
 
   private:
-    headless::ToolAnswer answer(const UserTask& task);
     void check();
     /// What is expected at a tick; moves the expected countdown on.
     struct Expectation {
-        int starts = 0;
+        std::size_t starts = 0;
         std::int64_t countdown = -1;
         std::optional<std::int64_t> minutes; ///< until the next backup; none where idleness has a say in it
     };
@@ -50,8 +49,6 @@ class Life {
     std::vector<Date> due_;
     std::size_t nextDue_ = 0;     ///< the first of them that is not a minute ago
     std::int64_t sinceReset_ = 0; ///< ticks since the countdown was last set to the interval
-    int starts_ = 0;
-    std::optional<Date> lastStart_;
     Program program_;
 };
 
