@@ -5,6 +5,9 @@
 
 namespace orvello {
 
+constexpr int totalFiles = 1000;
+constexpr int totalBytes = 5'000'000;
+
 BackupTool::BackupTool(headless::Machine& machine)
     : machine_(machine) {
     machine.tools().setScript([this](const UserTask& task) { return answer(task); });
@@ -37,26 +40,25 @@ headless::ToolAnswer BackupTool::answer(const UserTask& task) {
 }
 
 std::string BackupTool::status() const {
-    plist::Dictionary status{{"ClientID", "tests"}, {"Running", isRunning()}};
-    if (isRunning()) {
-        const double done = std::chrono::duration<double>(machine_.uptime() - *begun_) / length;
-        const char* phase = done < 0.1   ? "Starting"
-                            : done < 0.2 ? "MountingBackupVol"
-                            : done < 0.8 ? "Copying"
-                            : done < 0.9 ? "Finishing"
-                                         : "ThinningPostBackup";
-        const auto part = [&](std::int64_t total) {
-            return static_cast<std::int64_t>(done * static_cast<double>(total));
-        };
-        status.emplace("BackupPhase", phase);
-        status.emplace("Percent", done);
-        status.emplace("Progress", plist::Dictionary{{"files", part(totalFiles)},
-                                                     {"totalFiles", totalFiles},
-                                                     {"bytes", part(totalBytes)},
-                                                     {"totalBytes", totalBytes},
-                                                     {"TimeRemaining", 30}});
-    }
-    return plist::serialize(status);
+    static const auto idle = plist::serialize(plist::Dictionary{{"ClientID", "tests"}, {"Running", false}});
+    if (!isRunning())
+        return idle;
+    const double done = std::chrono::duration<double>(machine_.uptime() - *begun_) / length;
+    const char* phase = done < 0.1   ? "Starting"
+                        : done < 0.2 ? "MountingBackupVol"
+                        : done < 0.8 ? "Copying"
+                        : done < 0.9 ? "Finishing"
+                                     : "ThinningPostBackup";
+    const auto part = [&](int total) { return static_cast<std::int64_t>(done * total); };
+    return plist::serialize(plist::Dictionary{{"ClientID", "tests"},
+                                              {"Running", true},
+                                              {"BackupPhase", phase},
+                                              {"Percent", done},
+                                              {"Progress", plist::Dictionary{{"files", part(totalFiles)},
+                                                                             {"totalFiles", totalFiles},
+                                                                             {"bytes", part(totalBytes)},
+                                                                             {"totalBytes", totalBytes},
+                                                                             {"TimeRemaining", 30}}}});
 }
 
 } // namespace orvello

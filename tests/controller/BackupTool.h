@@ -17,8 +17,6 @@ class BackupTool {
     std::chrono::minutes length{4};
     /// Every run hangs.
     bool hangs = false;
-    std::int64_t totalFiles = 1000;
-    std::int64_t totalBytes = 5'000'000;
     /// What destinationinfo prints.
     std::string destinations;
 

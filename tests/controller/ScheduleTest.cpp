@@ -52,32 +52,21 @@ TEST(Schedule, AnExpiredCountdownWaitsForIdleness) {
     EXPECT_EQ(program.machine.ioRegistry().objectCount(), 0U);
 }
 
-TEST(Schedule, AFixedHourSleptThroughIsNotCaughtUpAndWakingMakesNoBurst) {
+TEST(Schedule, FixedHoursSleptThroughOrJumpedOverAreNotCaughtUp) {
     Program program({.disk = Program::diskWith(schedule(600, 14))});
     program.pass(1h + 30s);
-    const auto countdown = program.integer(key::MinutesUntilNextBackup);
     const auto statusRuns = program.runs("status");
     program.machine.sleepMachine(8h);
-    program.pass(60s);
-    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), countdown - 1);
-    EXPECT_LE(program.runs("status"), statusRuns + 7);
-    EXPECT_TRUE(program.tool.starts.empty());
+    program.pass(2min);
+    EXPECT_LE(program.runs("status"), statusRuns + 13) << "waking makes no burst";
     EXPECT_EQ(program.menuTitles().at(3), "Next Backup: tomorrow, 02:00");
-}
-
-TEST(Schedule, TheClockMaySetBackAndForward) {
-    Program program({.disk = Program::diskWith(schedule(300, 14))});
-    program.pass(6h + 30s - 5min); // 13:55:30
-    program.tool.starts.clear();
-    program.machine.setWallClock(program.machine.now() - 24h * 400);
+    program.machine.setWallClock(program.machine.now() - 24h * 400 - 4h);
     program.pass(2min);
     EXPECT_EQ(program.menuTitles().at(3), "Next Backup: today, 14:00");
     program.machine.setWallClock(program.machine.now() + 24h * 365 * 100 + 1h);
     program.pass(2min);
-    EXPECT_TRUE(program.tool.starts.empty()) << "14:00 was jumped over";
-    const auto countdown = program.integer(key::MinutesUntilNextBackup);
-    program.pass(10min);
-    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), countdown - 10) << "the countdown does not mind";
+    EXPECT_EQ(program.integer(key::MinutesUntilNextBackup), 600 - 66) << "the countdown does not mind";
+    EXPECT_TRUE(program.tool.starts.empty());
 }
 
 TEST(Schedule, ABackupThatTheSystemBeganIsWaitedFor) {

@@ -68,29 +68,24 @@ TEST(Start, MenuIsCompleteAndValidatedAtEachOpening) {
 
 TEST(Start, LoginItemFollowsTheSettingUnlessRefused) {
     Program program;
-    const auto agree = [&](bool on) {
-        return program.defaults().boolForKey(key::AutoStart) == on &&
-               program.item("Start at Login").isChecked() == on &&
-               program.machine.preferencesWindow().controls()->SettingsAutostart.isOn() == on;
-    };
-    ASSERT_TRUE(program.machine.choose("Start at Login"));
-    EXPECT_TRUE(program.machine.loginItem().isEnabled());
-    EXPECT_TRUE(agree(true));
-
-    auto refusal = [&](const char* text) {
-        program.machine.loginItem().setRefusing(true);
-        const bool before = program.defaults().boolForKey(key::AutoStart);
-        program.machine.perform(
-            [&] { program.machine.preferencesWindow().controls()->SettingsAutostart.userSet(!before); });
-        EXPECT_EQ(program.machine.alerts().shown().last().alert.informativeText, text);
-        EXPECT_TRUE(agree(before));
-        program.machine.loginItem().setRefusing(false);
-    };
-    refusal("Couldn't remove Helper App from launch at login item list.");
-    ASSERT_TRUE(program.machine.choose("Start at Login"));
-    EXPECT_TRUE(agree(false));
-    EXPECT_FALSE(program.machine.loginItem().isEnabled());
-    refusal("Couldn't add Helper App to launch at login item list.");
+    auto& machine = program.machine;
+    auto& checkBox = machine.preferencesWindow().controls()->SettingsAutostart;
+    for (const bool on : {true, false}) {
+        machine.loginItem().setRefusing(true);
+        machine.perform([&] { checkBox.userSet(on); });
+        EXPECT_EQ(machine.alerts().shown().last().alert.informativeText,
+                  on ? "Couldn't add Helper App to launch at login item list."
+                     : "Couldn't remove Helper App from launch at login item list.");
+        EXPECT_NE(program.defaults().boolForKey(key::AutoStart), on);
+        EXPECT_NE(program.item("Start at Login").isChecked(), on);
+        EXPECT_NE(checkBox.isOn(), on);
+        machine.loginItem().setRefusing(false);
+        ASSERT_TRUE(machine.choose("Start at Login"));
+        EXPECT_EQ(machine.loginItem().isEnabled(), on);
+        EXPECT_EQ(program.defaults().boolForKey(key::AutoStart), on);
+        EXPECT_EQ(program.item("Start at Login").isChecked(), on);
+        EXPECT_EQ(checkBox.isOn(), on);
+    }
 }
 
 TEST(Start, WithoutATrayTheWindowShowsOnceThatTheProgramRuns) {
