@@ -15,21 +15,6 @@ plist::Dictionary schedule(std::int64_t interval, std::int64_t time1 = -1, std::
             {std::string(key::IdleTime), idleTime}};
 }
 
-TEST(Schedule, ARestartGoesOnWhereTheCountdownStood) {
-    const auto disk = Program::diskWith(schedule(60));
-    auto now = Program({.disk = disk}).machine.now();
-    for (int minute = 0; minute < 60; minute += 15) {
-        Program program({.start = now, .disk = disk});
-        program.pass(15min + 30s);
-        EXPECT_TRUE(program.tool.starts.empty());
-        now = program.machine.now();
-    }
-    Program last({.start = now, .disk = disk});
-    EXPECT_EQ(last.integer(key::MinutesUntilNextBackup), 0);
-    last.pass(1min);
-    EXPECT_EQ(last.tool.starts.size(), 1U);
-}
-
 TEST(Schedule, AnExpiredCountdownWaitsForIdleness) {
     Program program({.disk = Program::diskWith(schedule(10, -1, 5))});
     program.machine.setIdleTime(std::nullopt);

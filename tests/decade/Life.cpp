@@ -25,13 +25,6 @@ plist::Dictionary settingsOf(const Schedule& schedule) {
             {std::string(key::Time2), schedule.time2}};
 }
 
-std::vector<Date> merged(std::vector<Date> instants, const std::vector<Date>& others) {
-    instants.insert(instants.end(), others.begin(), others.end());
-    std::ranges::sort(instants);
-    instants.erase(std::unique(instants.begin(), instants.end()), instants.end());
-    return instants;
-}
-
 microseconds idleTimeAt(Date date) {
     const auto sinceTen = date - floor<days>(date - 22h) - 22h;
     return sinceTen < 10h ? sinceTen : 0h;
@@ -42,10 +35,10 @@ microseconds idleTimeAt(Date date) {
 Life::Life(const ZoneHistory& zone, Schedule schedule, Date from, Date to)
     : zone_(zone)
     , schedule_(std::move(schedule))
-    // The last tick looks ahead to the hours of the days behind it, and the first may stand in a due minute.
-    , due_(merged(zone.instantsOfHour(schedule_.time1, from - 1min, to + 72h),
-                  zone.instantsOfHour(schedule_.time2, from - 1min, to + 72h)))
     , program_({.start = from, .timeZone = zone.name, .disk = Program::diskWith(settingsOf(schedule_))}) {
+    // The last tick looks ahead to the hours of the days behind it, and the first may stand in a due minute.
+    for (const auto hour : {schedule_.time1, schedule_.time2})
+        due_.merge(zone.instantsOfHour(hour, from - 1min, to + 72h));
     program_.tool.length = 1min;
     program_.machine.tools().runs().setCapacity(0);
     program_.machine.log().lines().setCapacity(0);
@@ -66,9 +59,7 @@ void Life::sleepBefore(Date date) {
 }
 
 Life::Expectation Life::expect() {
-    while (due_.at(nextDue_) <= now() - 1min)
-        ++nextDue_;
-    const bool hourDue = due_.at(nextDue_) <= now();
+    const bool hourDue = nextDue() <= now();
     // The registry tells the idle time in units of 2^30 ns, of which 60 are taken for a minute.
     const bool idleEnough = idleTimeAt(now()) >= nanoseconds(schedule_.idleTime * 60 * (1LL << 30));
 
@@ -95,7 +86,7 @@ Life::Expectation Life::expect() {
 
 /// Rounded up; 1 in the minute itself, but for its first second.
 std::int64_t Life::minutesUntilDue() const {
-    const auto distance = due_.at(nextDue_) - now();
+    const auto distance = nextDue() - now();
     return distance < 0s ? 1 : ceil<minutes>(distance).count();
 }
 

@@ -3,8 +3,8 @@
 #include "tests/controller/Program.h"
 #include "tests/decade/ZoneHistory.h"
 
+#include <set>
 #include <string>
-#include <vector>
 
 namespace orvello {
 
@@ -30,7 +30,7 @@ class Life {
     void sleepBefore(Date date);
     Date now() const { return program_.machine.now(); }
     /// The instants at which a fixed hour is due.
-    const std::vector<Date>& dueInstants() const { return due_; }
+    const std::set<Date>& dueInstants() const { return due_; }
 
   private:
     void check();
@@ -41,13 +41,14 @@ class Life {
         std::optional<std::int64_t> minutes; ///< until the next backup; none where idleness has a say in it
     };
     Expectation expect();
+    /// The first due instant that is not a minute ago.
+    Date nextDue() const { return *due_.upper_bound(now() - std::chrono::minutes(1)); }
     std::int64_t minutesUntilDue() const;
     std::string here() const;
 
     const ZoneHistory& zone_;
     Schedule schedule_;
-    std::vector<Date> due_;
-    std::size_t nextDue_ = 0;     ///< the first of them that is not a minute ago
+    std::set<Date> due_;
     std::int64_t sinceReset_ = 0; ///< ticks since the countdown was last set to the interval
     Program program_;
 };

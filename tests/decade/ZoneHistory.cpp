@@ -6,7 +6,6 @@
 #include <unicode/tztrans.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <utility>
 
@@ -25,10 +24,10 @@ seconds offsetOf(const icu::TimeZoneRule& rule) {
 }
 
 /// Adds the instants of [from, to) at which a clock so far ahead of UTC shows hour:00.
-void addInstants(std::vector<Date>& instants, std::int64_t hour, Date from, Date to, seconds offset) {
+void addInstants(std::set<Date>& instants, std::int64_t hour, Date from, Date to, seconds offset) {
     for (auto day = floor<days>(from + offset); day + hours(hour) - offset < to; day += days(1))
         if (const Date instant = day + hours(hour) - offset; instant >= from)
-            instants.push_back(instant);
+            instants.insert(instant);
 }
 
 bool skips(const ClockChange& change, std::int64_t hour) {
@@ -37,33 +36,6 @@ bool skips(const ClockChange& change, std::int64_t hour) {
         if (time - floor<days>(time) == hours(hour))
             return true;
     return false;
-}
-
-} // namespace
-
-seconds ZoneHistory::offsetAt(Date date) const {
-    const auto next = std::ranges::upper_bound(changes, date, {}, &ClockChange::at);
-    return next == changes.begin() ? firstOffset : std::prev(next)->after;
-}
-
-std::vector<Date> ZoneHistory::instantsOfHour(std::int64_t hour, Date from, Date to) const {
-    std::vector<Date> instants;
-    if (hour < 0)
-        return instants;
-    Date since = from;
-    auto offset = offsetAt(from);
-    for (const auto& change : changes) {
-        if (change.at <= from || change.at >= to)
-            continue;
-        addInstants(instants, hour, since, change.at, offset);
-        if (skips(change, hour))
-            instants.push_back(change.at);
-        since = change.at;
-        offset = change.after;
-    }
-    addInstants(instants, hour, since, to, offset);
-    instants.erase(std::unique(instants.begin(), instants.end()), instants.end());
-    return instants;
 }
 
 ZoneHistory historyOf(const std::string& name, Date from, Date to) {
@@ -89,18 +61,41 @@ ZoneHistory historyOf(const std::string& name, Date from, Date to) {
     return history;
 }
 
+} // namespace
+
+seconds ZoneHistory::offsetAt(Date date) const {
+    const auto next = std::ranges::upper_bound(changes, date, {}, &ClockChange::at);
+    return next == changes.begin() ? firstOffset : std::prev(next)->after;
+}
+
+std::set<Date> ZoneHistory::instantsOfHour(std::int64_t hour, Date from, Date to) const {
+    std::set<Date> instants;
+    if (hour < 0)
+        return instants;
+    Date since = from;
+    auto offset = offsetAt(from);
+    for (const auto& change : changes) {
+        if (change.at <= from || change.at >= to)
+            continue;
+        addInstants(instants, hour, since, change.at, offset);
+        if (skips(change, hour))
+            instants.insert(change.at);
+        since = change.at;
+        offset = change.after;
+    }
+    addInstants(instants, hour, since, to, offset);
+    return instants;
+}
+
 std::vector<ZoneHistory> distinctHistories(Date from, Date to) {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<icu::StringEnumeration> ids(icu::TimeZone::createEnumeration(status));
-    std::map<std::pair<seconds, std::vector<ClockChange>>, ZoneHistory> distinct;
-    while (const auto* name = ids->next(nullptr, status)) {
-        const auto history = historyOf(name, from, to);
-        distinct.try_emplace({history.firstOffset, history.changes}, history);
-    }
+    std::set<std::pair<seconds, std::vector<ClockChange>>> seen;
     std::vector<ZoneHistory> histories;
-    histories.reserve(distinct.size());
-    for (auto& [key, history] : distinct)
-        histories.push_back(std::move(history));
+    while (const auto* name = ids->next(nullptr, status))
+        if (auto history = historyOf(name, from, to);
+            seen.emplace(history.firstOffset, history.changes).second)
+            histories.push_back(std::move(history));
     return histories;
 }
 

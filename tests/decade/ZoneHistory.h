@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <compare>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,14 +32,11 @@ struct ZoneHistory {
     std::chrono::seconds offsetAt(Date date) const;
     /// The instants within these years at which a backup at that hour of the day is due, in order: whenever
     /// the clock comes to show hour:00, and when it goes on behind a gap that hour:00 lies in.
-    std::vector<Date> instantsOfHour(std::int64_t hour, Date from, Date to) const;
+    std::set<Date> instantsOfHour(std::int64_t hour, Date from, Date to) const;
 };
 
-/// The history of a zone within [from, to), by its name in ICU.
-ZoneHistory historyOf(const std::string& name, Date from, Date to);
-
-/// The histories of all zones that ICU knows, each once, named after one of its zones. Read from ICU's lists
-/// of transitions and not by what the product makes of them.
+/// The histories within [from, to) of all zones that ICU knows, each once, named after one of its zones. Read
+/// from ICU's lists of transitions and not by what the product makes of them.
 std::vector<ZoneHistory> distinctHistories(Date from, Date to);
 
 } // namespace orvello

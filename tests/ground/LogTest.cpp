@@ -38,24 +38,22 @@ TEST(Log, EscapesWhatWouldBreakOrDisguiseALine) {
 TEST(SystemLog, WritesStampedLinesToStandardErrorWhereItCan) {
     const TemporaryFolder folder;
     const auto file = folder / "log";
-    const auto logOneLine = [](const std::function<void()>& prepare) {
-        return forked([&] {
-            ::setenv("ORVELLO_LOG_STDERR", "1", 1);
-            prepare();
-            SystemLog log;
-            log.line("100 % sure");
-            return 0;
-        });
-    };
-    EXPECT_EQ(exitStatus(logOneLine([&] { std::ignore = std::freopen(file.c_str(), "w", stderr); })), 0);
-    EXPECT_EQ(exitStatus(logOneLine([] { ::close(STDERR_FILENO); })), 0);
-    EXPECT_EQ(exitStatus(logOneLine([] { // a pipe that nobody reads
-                  std::array<int, 2> ends{};
-                  std::ignore = ::pipe(ends.data());
-                  ::dup2(ends[1], STDERR_FILENO);
-                  ::close(ends[0]);
-              })),
-              0);
+    const std::function<void()> preparations[] = {
+        [&] { std::ignore = std::freopen(file.c_str(), "w", stderr); }, [] { ::close(STDERR_FILENO); },
+        [] { // a pipe that nobody reads
+            std::array<int, 2> ends{};
+            std::ignore = ::pipe(ends.data());
+            ::dup2(ends[1], STDERR_FILENO);
+            ::close(ends[0]);
+        }};
+    for (const auto& prepare : preparations)
+        EXPECT_EQ(exitStatus(forked([&] {
+                      ::setenv("ORVELLO_LOG_STDERR", "1", 1);
+                      prepare();
+                      SystemLog().line("100 % sure");
+                      return 0;
+                  })),
+                  0);
     const auto line = readFile(file);
     EXPECT_TRUE(std::regex_match(line, std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} 100 % sure\n)")))
         << line;
