@@ -25,6 +25,7 @@ TEST(Value, ReadsAsAnIntegerAndAsAReal) {
                                    {0x1p63, largest, 0x1p63},
                                    {-infinity, smallest, -infinity},
                                    {" \t\n-12abc", -12, -12},
+                                   {"+7", 7, 7},
                                    {"+-7", 0, 0},
                                    {".5", 0, 0.5},
                                    {"1e+", 1, 1},
