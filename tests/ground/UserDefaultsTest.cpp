@@ -10,7 +10,10 @@ namespace orvello::test {
 namespace {
 
 using plist::Dictionary;
+using testing::_;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Pair;
 
 class UserDefaultsTest : public testing::Test {
   protected:
@@ -158,7 +161,7 @@ TEST_F(UserDefaultsTest, LeaveAloneWhatCannotBeSetAside) {
     EXPECT_EQ(logged(), 1U);
     storage.canSetAside = true;
     defaults.synchronize();
-    EXPECT_EQ(disk->setAside.begin()->second, "precious");
+    EXPECT_THAT(disk->setAside, ElementsAre(Pair(_, "precious")));
     EXPECT_EQ(held(), (Dictionary{{"a", 2}}));
 }
 
