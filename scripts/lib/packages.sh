@@ -25,7 +25,6 @@ packages_test=(
     dbus
     desktop-file-utils
     e2fsprogs
-    faketime
     fonts-dejavu-core
     libclang-rt-dev
     libfaketime
@@ -35,7 +34,7 @@ packages_test=(
     man-db
     mandoc
     python3
-    python3-dbus
+    python3-dbusmock
     python3-gi
     rclone
     xdotool
