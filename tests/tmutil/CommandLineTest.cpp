@@ -69,15 +69,18 @@ TEST(CommandLine, VerbsAreDone) {
     const Row rows[] = {
         {{"status", "--help"}, "Usage: tmutil status [-X]\nTell what the running backup does.\n"},
         {{"status", "-X"}, plist::serialize(idle)},
-        {{"listsources"}, user.folders.home + '\n'},
         {{"addexclusion", "-p", file}, ""},
         {{"isexcluded", file}, "[Excluded]  " + file + '\n'},
         {{"isexcluded", file, "-X"}, plist::serialize(excluded)},
+        {{"isexcluded", "/", "//", "/a/", "/a/b/..", "/a/../..", "/a//b/./c"},
+         "[Excluded]  /\n[Excluded]  /\n[Excluded]  /a\n[Excluded]  /a\n[Excluded]  /\n[Excluded]  /a/b/c\n"},
+        {{"isexcluded", "./x-/"}, "[Excluded]  " + std::filesystem::current_path().string() + "/x-\n"},
         {{"removeexclusion", file}, ""},
         {{"removeexclusion", file}, "", file + noChange},
         {{"addexclusion", "--", "-none", "-X"}, "", "-none" + noChange},
         {{"removesource", user.folders.home}, "", notTheLast},
         {{"addsource", file, "/nowhere"}, "", "tmutil: There is no \"/nowhere\".\n"},
+        {{"listsources"}, user.folders.home + '\n'},
         {{"addsource", file, file}, ""},
         {{"removesource", user.folders.home}, ""},
         {{"listsources"}, file + '\n'},
@@ -94,23 +97,27 @@ TEST(CommandLine, VerbsAreDone) {
     EXPECT_EQ(say({"setdestination", "-ap", "/nowhere"}).status, failure) << "used rightly";
 }
 
+TEST(Folders, TheRuntimeFolderIsTheUsersAlone) {
+    const test::User user;
+    EXPECT_EQ(userFolders()->runtime, user.folders.runtime);
+    std::filesystem::permissions(user.folders.runtime + "/..", std::filesystem::perms::all);
+    EXPECT_NE(userFolders()->runtime, user.folders.runtime);
+}
+
 TEST(BraceForm, QuotesWhatIsNotPlain) {
     EXPECT_EQ(braceForm({{"Date", test::utc(2026, 5, 1, 7, 8, 9)},
                          {"Empty", ""},
-                         {"List", plist::Array{true, 0.5, plist::Dictionary{{"a b", -1.0}}}},
+                         {"Inner", plist::Dictionary{{"a b", -1.0}, {"c", true}}},
                          {"Path", "/media/Disk_1.old"},
                          {"Raw", plist::Data{"\xff"}},
                          {"Text", "say \"so\"\\\n\x1b[m für"}}),
               R"({
     Date = "2026-05-01 07:08:09 +0000";
     Empty = "";
-    List = (
-        1,
-        0.5,
-        {
-            "a b" = "-1";
-        },
-    );
+    Inner = {
+        "a b" = "-1";
+        c = 1;
+    };
     Path = /media/Disk_1.old;
     Raw = "\xFF";
     Text = "say \"so\"\\\n\x1B[m für";
