@@ -9,7 +9,6 @@
 namespace orvello::tmutil {
 namespace {
 
-using test::makeRepository;
 using test::TemporaryFolder;
 
 TEST(Places, AddressesAreShownWithoutPasswords) {
@@ -25,35 +24,6 @@ TEST(Places, AddressesAreShownWithoutPasswords) {
         EXPECT_EQ(displayedAddress(address), shown) << address;
 }
 
-TEST(Places, StoresAreToldFromFolders) {
-    for (const char* store : {"sftp:eva@host:/x", "rest:https://host/", "s3:host/x", "b2:x:y", "azure:x:/",
-                              "swift:x:/", "gs:x:/", "rclone:x:y"})
-        EXPECT_TRUE(isStoreAddress(store)) << store;
-    for (const char* folder : {"/media/disk", "disk", "./s3:x", "S3:x", "sftp", "https://host/", ""})
-        EXPECT_FALSE(isStoreAddress(folder)) << folder;
-}
-
-TEST(Places, AFolderIsPresentOnlyWithItsRepository) {
-    const TemporaryFolder top;
-    const auto disk = (top / "disk").string();
-    makeRepository(disk + "/Backups");
-    makeFolder(top / "empty");
-    makeFolder(top / "half/keys");
-    test::writeFile(top / "half/config", "sealed");
-    for (const Destination& present :
-         {Destination{.location = disk, .repositoryFolder = "Backups"}, {.location = disk + "/Backups"}})
-        EXPECT_EQ(presentFolder(present), present.location);
-    for (const Destination& absent :
-         {Destination{.location = disk},
-          {.location = disk, .repositoryFolder = "Backups", .fileSystem = "0000-NONE"},
-          {.location = top / "empty", .repositoryFolder = "Backups"},
-          {.location = top / "half"},
-          {.location = top / "gone"}})
-        EXPECT_EQ(presentFolder(absent), std::nullopt) << absent.location << absent.fileSystem;
-    EXPECT_TRUE(freeSpace(disk));
-    EXPECT_FALSE(freeSpace(top / "gone"));
-}
-
 TEST(Choice, DestinationsTakeTurns) {
     const TemporaryFolder top;
     const auto folder = [&](const char* name) {
@@ -64,8 +34,11 @@ TEST(Choice, DestinationsTakeTurns) {
     const auto gone = folder("gone");
     const Destination store{
         .id = "store", .kind = Destination::Kind::Network, .name = "store", .location = "s3:x"};
-    makeRepository(a.location);
-    makeRepository(b.location);
+    for (const auto& destination : {a, b}) {
+        makeFolder(destination.location + "/keys");
+        makeFolder(destination.location + "/snapshots");
+        test::writeFile(destination.location + "/config", "sealed");
+    }
     struct Row {
         const char* name;
         std::vector<Destination> all;

@@ -18,10 +18,6 @@ std::string status(const std::string& fields) {
     return R"({"message_type":"status")" + fields + "}";
 }
 
-std::string nested(std::size_t depth) {
-    return std::string(depth, '[') + std::string(depth, ']');
-}
-
 TEST(ResticOutput, LinesOfABackup) {
     const BackupLine nothing;
     struct Row {
@@ -39,24 +35,21 @@ TEST(ResticOutput, LinesOfABackup) {
          R"({"message_type":"summary","files_new":3,"total_files_processed":9,"total_bytes_processed":77,)"
          R"("data_added":40,"total_duration":0.5,"snapshot_id":"5ca1ab1e"})",
          CopySummary{9, 77, 40, "5ca1ab1e"}},
-        {"numbers of other kinds", status(R"(,"files_done":2.9,"total_files":"8","bytes_done":null)"),
-         CopyStatus{.files = 2}},
-        {"negative numbers", status(R"(,"files_done":-3,"bytes_done":-0.5,"seconds_remaining":-1)"),
-         CopyStatus{.remaining = 0s}},
-        {"huge numbers", status(R"(,"files_done":18446744073709551615,"total_files":9223372036854775807)"),
-         CopyStatus{.files = most, .totalFiles = most}},
-        {"beyond all integers", status(R"(,"bytes_done":1e30)"),
-         CopyStatus{.bytes = 9'000'000'000'000'000'000}},
+        {"odd numbers",
+         status(R"(,"files_done":2.9,"total_files":"8","bytes_done":-3,"total_bytes":18446744073709551615,)"
+                R"("error_count":1e30,"seconds_remaining":-1)"),
+         CopyStatus{2, 0, 0, most, 9'000'000'000'000'000'000, 0s}},
         {"beyond all reals", status(R"(,"bytes_done":1e999)"), nothing},
-        {"a field that is nested a little", status(R"(,"x":)" + nested(20)), CopyStatus{}},
-        {"a field that is nested deeply", status(R"(,"x":)" + nested(60)), nothing},
+        {"many lists side by side",
+         status(R"(,"x":[[[[]]],[[[]]],[[[]]],[[[]]],[[[]]],[[[]]],[[[]]],[[[]]],[[[]]],[[[]]],[[[]]]])"),
+         CopyStatus{}},
+        {"a field that is nested deeply", status(R"(,"x":)" + std::string(60, '[') + std::string(60, ']')),
+         nothing},
         {"names with brackets",
          status(R"(,"current_files":["\"\\[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[[["])"), CopyStatus{}},
         {"a list", R"([{"message_type":"status"}])", nothing},
         {"not UTF-8", status(",\"current_files\":[\"\xff\"]"), nothing},
         {"cut", status("").substr(0, 20), nothing},
-        {"endless nesting", std::string(200'000, '['), nothing},
-        {"nothing", "", nothing},
     };
     for (const auto& row : rows)
         EXPECT_EQ(readBackupLine(row.line), row.expected) << row.name;
@@ -84,66 +77,52 @@ TEST(ResticOutput, RepositoryIdsAreFitForFileNames) {
 }
 
 TEST(ResticOutput, Times) {
-    struct Row {
-        const char* text;
-        std::optional<ZonedTime> expected;
+    const std::pair<const char*, ZonedTime> rows[] = {
+        {"2026-03-29T01:59:59.123456789+01:00", {utc(2026, 3, 29, 0, 59, 59) + 123456us, 60min}},
+        {"2026-01-01T00:00:00.5-03:30", {utc(2026, 1, 1, 3, 30) + 500ms, -210min}},
+        {"2024-02-29T12:00:00Z", {utc(2024, 2, 29, 12), 0min}},
+        {"2026-12-31T23:59:60Z", {utc(2027, 1, 1), 0min}},
     };
-    const Row rows[] = {
-        {"2026-03-29T01:59:59.123456789+01:00", ZonedTime{utc(2026, 3, 29, 0, 59, 59) + 123456us, 60min}},
-        {"2026-01-01T00:00:00.5-03:30", ZonedTime{utc(2026, 1, 1, 3, 30) + 500ms, -210min}},
-        {"2024-02-29T12:00:00Z", ZonedTime{utc(2024, 2, 29, 12), 0min}},
-        {"2026-12-31T23:59:60Z", ZonedTime{utc(2027, 1, 1), 0min}},
-        {"2025-02-29T12:00:00Z", {}},
-        {"2026-01-01T24:00:00Z", {}},
-        {"2026-01-01T-0:00:00Z", {}},
-        {"2026-01-01T00:00:00.Z", {}},
-        {"2026-01-01T00:00:00+24:00", {}},
-        {"2026-01-01T00:00:00+05:60", {}},
-        {"2026-01-01T00:00:00Zulu", {}},
-        {"2026-1-1T00:00:00Z", {}},
-        {"", {}},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(readTime(row.text), row.expected) << row.text;
+    for (const auto& [text, expected] : rows)
+        EXPECT_EQ(readTime(text), expected) << text;
+    for (const char* none :
+         {"2025-02-29T12:00:00Z", "2026-01-01T24:00:00Z", "2026-01-01T-0:00:00Z", "2026-01-01T00:00:00.Z",
+          "2026-01-01T00:00:00+24:00", "2026-01-01T00:00:00+05:60", "2026-01-01T00:00:00Zulu",
+          "2026-1-1T00:00:00Z", ""})
+        EXPECT_EQ(readTime(none), std::nullopt) << none;
 }
 
 TEST(ResticOutput, RefusalsAndTheirReasons) {
     struct Row { // NOLINT(clang-analyzer-optin.performance.Padding): in the order of reading
-        const char* name;
         int status;
         std::string errors;
         Refusal refusal;
         std::string reason;
     };
     const Row rows[] = {
-        {"no repository, 0.14", 1,
-         "Fatal: unable to open config file\nIs there a repository at the following location?\n/d\n",
-         Refusal::NoRepository, "unable to open config file"},
-        {"no repository, 0.17", 10, "Fatal: repository does not exist\n", Refusal::NoRepository,
-         "repository does not exist"},
-        {"wrong key, 0.14", 1, "Fatal: wrong password or no key found\n", Refusal::WrongKey,
-         "wrong password or no key found"},
-        {"wrong key, 0.17", 12, "", Refusal::WrongKey, ""},
-        {"locked, 0.14", 1,
-         "Fatal: repository is already locked exclusively by PID 7\nlock was created 1m ago\n",
-         Refusal::Locked, "repository is already locked exclusively by PID 7"},
-        {"locked, 0.17", 11, "Fatal: busy", Refusal::Locked, "busy"},
-        {"full disk", 1, "Fatal: /d/x: no space left on device\n", Refusal::NoSpace,
-         "/d/x: no space left on device"},
-        {"the last fatal one", 1, "Fatal: one\nnote\nx: Fatal: two\n \n", Refusal::Other, "two"},
-        {"the last line", 3, "error: /a: denied\r\nWarning: not all was read\n\t\n\n", Refusal::Other,
+        // restic 0.14
+        {1, "Fatal: no config file\nIs there a repository at the following location?\n/d\n",
+         Refusal::NoRepository, "no config file"},
+        {1, "Fatal: wrong password or no key found\n", Refusal::WrongKey, "wrong password or no key found"},
+        {1, "Fatal: it is already locked by PID 7\nlock was created 1m ago\n", Refusal::Locked,
+         "it is already locked by PID 7"},
+        {1, "Fatal: /d/x: no space left on device\n", Refusal::NoSpace, "/d/x: no space left on device"},
+        // from 0.17 on
+        {10, "Fatal: repository does not exist\n", Refusal::NoRepository, "repository does not exist"},
+        {11, "Fatal: busy", Refusal::Locked, "busy"},
+        {12, "", Refusal::WrongKey, ""},
+        // what is told of several lines
+        {1, "Fatal: one\nnote\nx: Fatal: two\n \n", Refusal::Other, "two"},
+        {3, "error: denied\r\nWarning: not all was read\n\t\n\n", Refusal::Other,
          "Warning: not all was read"},
-        {"as JSON", 1,
-         R"({"message_type":"exit_error","code":1,"message":"Fatal: \"/d\": broken"})"
-         "\n",
-         Refusal::Other, R"("/d": broken)"},
-        {"JSON that is none", 1, "{Fatal: odd}\n", Refusal::Other, "odd}"},
-        {"nothing", 2, "", Refusal::Other, ""},
-        {"too long", 1, std::string(2000, 'x'), Refusal::Other, std::string(500, 'x')},
+        {1, R"({"message_type":"exit_error","message":"Fatal: \"/d\": broken"})", Refusal::Other,
+         R"("/d": broken)"},
+        {1, "{Fatal: odd}\n", Refusal::Other, "odd}"},
+        {1, std::string(2000, 'x'), Refusal::Other, std::string(500, 'x')},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(readRefusal(row.status, row.errors), row.refusal) << row.name;
-        EXPECT_EQ(readReason(row.errors), row.reason) << row.name;
+        EXPECT_EQ(readRefusal(row.status, row.errors), row.refusal) << row.status << ": " << row.errors;
+        EXPECT_EQ(readReason(row.errors), row.reason) << row.status << ": " << row.errors;
     }
 }
 

@@ -41,12 +41,4 @@ class User {
                     .runtime = top_ / "run/tmutil"};
 };
 
-/// Makes what is taken for a repository.
-inline std::string makeRepository(const std::string& folder) {
-    makeFolder(folder + "/keys");
-    makeFolder(folder + "/snapshots");
-    writeFile(folder + "/config", "sealed");
-    return folder;
-}
-
 } // namespace orvello::tmutil::test
