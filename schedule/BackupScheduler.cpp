@@ -27,11 +27,6 @@ std::int64_t secondsUntil(Date target, Date now) {
     return std::chrono::duration_cast<std::chrono::seconds>(target - now).count();
 }
 
-std::int64_t wholeMinutesUntil(Date target, Date now) {
-    const auto seconds = secondsUntil(target, now);
-    return seconds / 60 + (seconds % 60 != 0 ? 1 : 0);
-}
-
 /// The first instant of that hour that is not a minute or more ago; none for an hour outside 0 to 23.
 std::optional<Date> nextInstantAtHour(std::int64_t hour, Date now, const Calendar& calendar) {
     // Yesterday's hour may have been skipped up to this minute, and the day after tomorrow comes next where
@@ -88,7 +83,7 @@ FixedHourDecision decideFixedHour(std::string_view name, std::int64_t hour, Date
     const auto today = calendar.instantsAtHour(now, 0, hour);
     const auto next = nextInstantAtHour(hour, now, calendar);
     if (next)
-        decision.minutes = wholeMinutesUntil(*next, now);
+        decision.minutes = calculateMinutesUntilTime(*next, now);
     if (today.empty() || !next)
         return decision;
     const bool due = *next <= now;
@@ -126,9 +121,9 @@ std::int64_t minimumNotMinusOne(std::int64_t first, std::int64_t second) {
     return std::min(first, second);
 }
 
-std::int64_t calculateMinutesUntilTime(std::int64_t hour, Date now, const Calendar& calendar) {
-    const auto next = nextInstantAtHour(hour, now, calendar);
-    return next ? wholeMinutesUntil(*next, now) : -1;
+std::int64_t calculateMinutesUntilTime(Date target, Date now) {
+    const auto seconds = secondsUntil(target, now);
+    return seconds / 60 + (seconds % 60 != 0 ? 1 : 0);
 }
 
 Date calculateNextBackupDate(Date now, std::int64_t minutes) {

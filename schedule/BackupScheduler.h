@@ -70,9 +70,9 @@ NextBackup decideNextBackup(const DynamicDecision& dynamic, std::int64_t untilTi
 /// The smaller of two numbers of minutes, -1 counting as none.
 std::int64_t minimumNotMinusOne(std::int64_t first, std::int64_t second);
 
-/// Whole minutes from now until the clock next shows hour:00, rounded up; during the minute hour:00 itself 0
-/// in its first second, then 1. -1 for an hour outside 0 to 23.
-std::int64_t calculateMinutesUntilTime(std::int64_t hour, Date now, const Calendar& calendar);
+/// Whole minutes from now until the target, rounded up; in the minute that begins with it 0 in the first
+/// second, then 1.
+std::int64_t calculateMinutesUntilTime(Date target, Date now);
 
 /// The instant that many minutes from now; held within some 10,000 years.
 Date calculateNextBackupDate(Date now, std::int64_t minutes);

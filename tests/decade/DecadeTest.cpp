@@ -1,10 +1,11 @@
 // Ten years cannot be lived minute by minute in every zone, so what is claimed for all of them is shown in
-// two parts, each against the same expectation at each tick (Life.h):
+// three parts, each against the same expectation at each tick (Life.h):
 //
 //   all zones, ten years       each distinct history, asleep but for the minutes of the fixed hours and those
 //                              behind them: every one of these hours in ten years starts its backup
 //   each kind of clock change  every minute from 26 hours before it to 26 hours behind it, at the hours that
 //                              it skips or repeats and at those beside them, for all pairs of settings
+//   a whole year               every minute of it
 //
 // In most builds every so many-th history and change, and a part of the years (CMakeLists.txt).
 #include "tests/decade/Life.h"
@@ -136,6 +137,15 @@ TEST_P(Decade, StartsABackupAtTheHoursAroundEachKindOfClockChange) {
                 life.tickUntil(change.at + reach);
             }
     }
+}
+
+TEST(Year, StartsWhatIsDueAndNothingElse) {
+    const auto histories = distinctHistories(decadeStart - 48h, decadeEnd);
+    const auto zone = std::ranges::find_if(histories, [](const auto& h) { return h.changes.size() == 20; });
+    ASSERT_NE(zone, histories.end());
+    const auto end = decadeStart + days(366) / std::int64_t{share};
+    Life life(*zone, {.interval = 10080, .andOr = "or", .idleTime = 30, .time1 = 2}, decadeStart, end);
+    life.tickUntil(end);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "tests/decade/Life.h"
 
+#include "platform/PreferencesInterface.h"
 #include "settings/SettingsKeys.h"
 
 #include <fmt/chrono.h>
@@ -102,6 +103,22 @@ void Life::check() {
     } else {
         EXPECT_LE(*next, now() + minutes(minutesUntilDue())) << here();
     }
+    const auto text = program_.machine.preferencesWindow().controls()->SettingsNextBackup.stringValue();
+    EXPECT_TRUE(text.starts_with(expectedText(*next))) << text << " " << here();
+}
+
+std::string Life::expectedText(Date next) const {
+    if (next == now())
+        return "Next Backup: in less than one Minute";
+    const auto local = next + zone_.offsetAt(next);
+    const auto today = floor<days>(now() + zone_.offsetAt(now()));
+    const auto ahead = floor<days>(local) - today;
+    if (ahead > days(1))
+        return "Next Backup: ";
+    // The clock may be set back from behind midnight.
+    const auto* const day = ahead < days(0) ? "yesterday" : ahead == days(0) ? "today" : "tomorrow";
+    const auto time = floor<minutes>(local - floor<days>(local));
+    return fmt::format("Next Backup: {}, {:02}:{:02}", day, time / 1h, time % 1h / 1min);
 }
 
 std::string Life::here() const {

@@ -18,8 +18,8 @@ struct Schedule {
 
 /// The program's life in a zone with a schedule, of which at least one hour is set. At every tick it is
 /// compared with what the zone's history and the schedule's rules lead to expect: whether one backup is
-/// started or none, where the countdown stands and when the next backup is said to come. A backup takes a
-/// minute. The user is away from 22:00 to 8:00 UTC, and else at work.
+/// started or none, where the countdown stands, when the next backup is said to come and in which words. A
+/// backup takes a minute. The user is away from 22:00 to 8:00 UTC, and else at work.
 class Life {
   public:
     Life(const ZoneHistory& zone, Schedule schedule, Date from, Date to);
@@ -44,6 +44,7 @@ class Life {
     /// The first due instant that is not a minute ago.
     Date nextDue() const { return *due_.upper_bound(now() - std::chrono::minutes(1)); }
     std::int64_t minutesUntilDue() const;
+    std::string expectedText(Date next) const;
     std::string here() const;
 
     const ZoneHistory& zone_;

@@ -1,6 +1,6 @@
 #include "platform/plist/PropertyList.h"
 #include "settings/SettingsKeys.h"
-#include "tests/player/Answers.h"
+#include "tests/player/BackupStory.h"
 
 #include <filesystem>
 #include <fstream>
@@ -24,12 +24,12 @@ int main(int count, char** arguments) {
     const player::Seconds length(100);
     for (const int elapsed : {3, 10, 20, 50, 85, 95, 200})
         write(folder / "status", "after-" + std::to_string(elapsed),
-              player::statusAnswer(player::momentOfBackup(length, player::Seconds(elapsed), {})));
+              plist::serialize(player::statusOfBackup(length, player::Seconds(elapsed), {})));
     write(folder / "status", "stopping",
-          player::statusAnswer(player::momentOfBackup(length, player::Seconds(20), player::Seconds(0))));
+          plist::serialize(player::statusOfBackup(length, player::Seconds(20), player::Seconds(0))));
     write(folder / "status", "without-date",
           "<plist><dict><key>DateOfStateChange</key><key>Running</key><true/></dict></plist>");
-    write(folder / "destination", "local", player::destinationAnswer());
+    write(folder / "destination", "local", plist::serialize(player::destinations()));
     write(folder / "destination", "network",
           plist::serialize(plist::Dictionary{
               {"Destinations", plist::Array{plist::Dictionary{{"Kind", "Network"},

@@ -39,8 +39,8 @@ struct Configuration {
 
 /// Incomplete destinations are left out.
 Configuration readConfiguration(const plist::Dictionary& content);
-/// Stores the configuration in a dictionary. What it does not tell of stays: other keys, those of a destination
-/// included, and the entries that are no complete destination.
+/// Stores the configuration in a dictionary. What it does not tell of stays: other keys, those of a
+/// destination included, and the entries that are no complete destination.
 void writeConfiguration(const Configuration& configuration, plist::Dictionary& content);
 
 /// The configuration in the folder's "tmutil.plist".

@@ -17,7 +17,8 @@ class PropertyListFile {
     /// What the file says; empty where there is no file. A file that cannot be read is left as it is.
     Result<plist::Dictionary> read() const;
     Failure replace(const plist::Dictionary& content) const;
-    /// The same for records that are begun anew when they cannot be read; what was there is renamed, not lost.
+    /// The same for records that are begun anew when they cannot be read; what was there is renamed, not
+    /// lost.
     Failure replaceOrBeginAnew(const plist::Dictionary& content) const;
     /// Reads, lets `edit` change what was read, and replaces, while no other process does the same. Nothing
     /// is written when `edit` returns a problem.

@@ -4,7 +4,9 @@
 import os
 import stat
 
-from machine import MachineTest, main
+from machine import SMALL, MachineTest, main
+
+FILES = 1000 if SMALL else 10000
 
 NAMES = [
     b"two  blanks ", b" leading", b"line\nbreak\ttab\r", b"'single' \"double\"", b"back\\slash\\", b"*?[a-z]{x,y}",
@@ -41,6 +43,10 @@ class RoundTrip(MachineTest):
             self.write(os.path.join(os.fsencode(tree), name), b"content of " + name)
             self.write(os.path.join(os.fsencode(tree), b"folders", name, name), name * 100)
         self.write("Documents/big", os.urandom(9_000_000))
+        for number in range(FILES):
+            self.write(f"Documents/many/{number % 100}/{number}", b"small %d" % number)
+        os.truncate(self.write("Documents/sparse", b"start"), 30_000_000)
+        os.link(self.write("Documents/empty", b""), tree + "/many/empty too")
         for link, target in {"dangling": "no such file", "absolute": "/etc/passwd", "strange": "\n* 🚲\\"}.items():
             os.symlink(target, os.path.join(tree, link))
         os.mkfifo(tree + "/fifo")

@@ -104,7 +104,10 @@ class Surroundings(MachineTest, dbusmock.DBusTestCase):
         self.assertIn("not installed", self.status()["LastFailure"]["Reason"])
         self.assertTrue(self.destinations())
 
-    def test_failures_are_told_while_nobody_watches(self):
+    def test_failures_are_told_once(self):
+        terminal = os.openpty()
+        for end in terminal:
+            self.addCleanup(os.close, end)
         self.make_private_devices()
         log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
         self.addCleanup(log.close)
@@ -120,12 +123,12 @@ class Surroundings(MachineTest, dbusmock.DBusTestCase):
         disk = self.folder("A & <b>B")
         self.tmutil("setdestination", disk)
         os.rename(disk, self.path("away"))
+        notices = lambda: service.GetMethodCalls("Notify", dbus_interface=dbusmock.MOCK_IFACE)
         for failures in range(1, 5):
             self.refusal("startbackup", "--auto")
             failure = self.wait_for_idle()["LastFailure"]
             self.assertRegex(log.recv(65536), b'tmutil.*the backup failed: .* "A & <b>B" is not there')
-            calls = service.GetMethodCalls("Notify", dbus_interface=dbusmock.MOCK_IFACE)
-            *_, title, body, _, hints, _ = calls[failures - 1][1]
+            *_, title, body, _, hints, _ = notices()[failures - 1][1]
             many = failures >= 3
             self.assertEqual(f"The last {failures} backups failed" if many else "The backup failed", title)
             self.assertEqual(2 if many else 1, hints["urgency"])
@@ -133,10 +136,29 @@ class Surroundings(MachineTest, dbusmock.DBusTestCase):
             run = self.history()[-1]
             expected = {"Date": run["End"], "Reason": run["Reason"], "FailuresInARow": failures}
             self.assertEqual(expected, failure)
+
+        # A user at a terminal is told there, as long as the call lasts.
+        def call_at_terminal(*arguments):
+            return self.start(self.tool, *arguments, stderr=terminal[1], stdout=None).wait(PATIENCE)
+
+        self.assertEqual(1, call_at_terminal("startbackup"))
         os.rename(self.path("away"), disk)
+        right = self.key_file()
+        os.rename(right, self.path("key"))
+        with open(right, "w", encoding="ascii") as file:
+            file.write("wrong\n")
+        self.assertEqual(1, call_at_terminal("startbackup", "--block"))
+        self.assertEqual(failures, len(notices()))
+        self.assertEqual(0, call_at_terminal("startbackup"))
+        self.assertIn("does not open it", self.wait_for_idle()["LastFailure"]["Reason"])
+        self.assertEqual(failures + 1, len(notices()))
+        os.rename(self.path("key"), right)
         self.back_up()
         self.assertNotIn("LastFailure", self.status())
-        self.assertRegex(log.recv(65536), b"tmutil.* completed: ")
+        lines = []
+        while not lines or b" completed: " not in lines[-1]:
+            lines.append(log.recv(65536))
+        self.assertEqual(3, sum(b"the backup failed" in line for line in lines))
 
 
 if __name__ == "__main__":

@@ -21,6 +21,8 @@ class Trouble(MachineTest):
         self.assert_failed("No backup destination is set.")
         self.assertEqual([], self.destinations())
         self.refusal("setdestination", self.path("nowhere"))
+        full = 'trap "" XFSZ; ulimit -f 0; exec "$0" startbackup'  # as on a full disk, no file can grow
+        self.assertIn("backup.lock: File too large.", self.call("sh", "-c", full, self.tool)[2])
         state = self.home + "/.local/state/tmutil"
         shutil.rmtree(state)
         self.write(state, b"no folder")
