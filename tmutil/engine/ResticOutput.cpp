@@ -84,10 +84,6 @@ std::optional<Snapshot> readSnapshot(const Json& object) {
         return std::nullopt;
     snapshot.time = time->time;
     snapshot.offset = time->offset;
-    if (const auto tags = object.find("tags"); tags != object.end() && tags->is_array())
-        for (const auto& tag : *tags)
-            if (tag.is_string())
-                snapshot.tags.push_back(tag.get<std::string>());
     return snapshot;
 }
 
@@ -219,7 +215,9 @@ Refusal readRefusal(int status, std::string_view errors) {
     constexpr int noRepository = 10;
     constexpr int locked = 11;
     constexpr int wrongKey = 12;
-    if (status == noRepository || contains(errors, "Is there a repository at the following location?"))
+    // It asks that too when a store on the network does not answer.
+    const bool foundNone = contains(errors, "Is there a repository at the following location?");
+    if (status == noRepository || (foundNone && !contains(errors, "dial tcp")))
         return Refusal::NoRepository;
     if (status == wrongKey || contains(errors, "wrong password or no key found"))
         return Refusal::WrongKey;

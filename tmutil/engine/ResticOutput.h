@@ -48,7 +48,6 @@ struct Snapshot {
     std::chrono::minutes offset{}; ///< of the local time from UTC where it was made
     std::string host;
     std::string user;
-    std::vector<std::string> tags;
     bool operator==(const Snapshot&) const = default;
 };
 
