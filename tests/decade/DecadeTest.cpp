@@ -69,7 +69,7 @@ class Decade : public testing::TestWithParam<std::size_t> {
     bool takes(std::size_t index) const { return index % share == 0 && index / share % shards == GetParam(); }
 };
 
-INSTANTIATE_TEST_SUITE_P(, Decade, testing::Range(std::size_t{0}, shards));
+INSTANTIATE_TEST_SUITE_P(Simulated, Decade, testing::Range(std::size_t{0}, shards));
 
 TEST_P(Decade, StartsABackupAtEachFixedHourInAllZones) {
     const auto histories = distinctHistories(decadeStart - 48h, decadeEnd + 96h);
