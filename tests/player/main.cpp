@@ -137,16 +137,16 @@ std::string withFault(const std::string& fault, const std::string& right) {
 
 int main(int argc, char** argv) {
     using namespace orvello::player;
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    const fs::path folder = stateFolder();
-    std::error_code problem;
-    fs::create_directories(folder, problem);
-    if (problem) {
-        std::fprintf(stderr, "player: %s: %s\n", folder.c_str(), problem.message().c_str());
+    try {
+        const std::vector<std::string> arguments(argv + 1, argv + argc);
+        const fs::path folder = stateFolder();
+        fs::create_directories(folder);
+        logCall(folder, arguments);
+        const auto right = answer(State(folder), arguments);
+        const auto text = withFault(environment("ORVELLO_PLAYER_FAULT", ""), right);
+        return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() ? 0 : 1;
+    } catch (const std::exception& problem) {
+        std::fprintf(stderr, "player: %s\n", problem.what());
         return 1;
     }
-    logCall(folder, arguments);
-    const auto right = answer(State(folder), arguments);
-    const auto text = withFault(environment("ORVELLO_PLAYER_FAULT", ""), right);
-    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() ? 0 : 1;
 }
