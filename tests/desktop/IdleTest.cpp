@@ -102,9 +102,9 @@ struct ScriptedSource : IdleSource {
 };
 
 TEST(IdleSession, TakesTheFirstSourceThatAnswersAndLogsEachChange) {
-    std::vector<std::unique_ptr<IdleSource>> sources;
-    for (int i = 0; i < 2; ++i)
-        sources.push_back(std::make_unique<ScriptedSource>());
+    std::vector<std::unique_ptr<IdleSource>> sources(2);
+    for (auto& source : sources)
+        source = std::make_unique<ScriptedSource>();
     auto& first = dynamic_cast<ScriptedSource&>(*sources[0]);
     auto& second = dynamic_cast<ScriptedSource&>(*sources[1]);
     second.called = "second";
