@@ -60,7 +60,7 @@ class RealBackup : public testing::Test {
         const fs::path folder(folder_.path().toStdString());
         fs::create_directory(folder / "files");
         fs::create_directory(folder / "destination");
-        std::ofstream(folder / "files/holes"); // takes time to read and no space
+        std::ofstream(folder / "files/holes").close(); // takes time to read and no space
         fs::resize_file(folder / "files/holes", 3ULL << 30);
         for (int i = 0; i < 300; ++i)
             std::ofstream(folder / "files" / std::to_string(i)) << "content";
