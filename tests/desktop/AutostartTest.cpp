@@ -37,7 +37,7 @@ TEST_F(AutostartTest, RunsTheProgramWhateverItsPath) {
         EXPECT_TRUE(waitUntil([&] { return fs::exists(program.string() + " was given 1: launchAtLogin"); }))
             << folder;
     }
-    // Gio does as the specification says, but looks for the program before.
+    // Gio understands this line too, but looks for the program before it undoes the doubled percent signs.
     EXPECT_EQ(desktopEntryExec("/opt/100%/%u/o", "launchAtLogin"), "\"/opt/100%%/%%u/o\" launchAtLogin");
 }
 
